@@ -1,0 +1,43 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/PelmarAPI.h"
+
+namespace pelmar {
+
+/// Base class of a plug-in's object. The host makes one through the bundle's entry point, calls initPlugin once,
+/// filterImage each time one of the plug-in's menu entries is chosen, and dealloc before it lets the object go.
+class PluginFilter {
+ public:
+  explicit PluginFilter(PelmarAPI& api) : api_(api) {}
+  PluginFilter(const PluginFilter&) = delete;
+  PluginFilter& operator=(const PluginFilter&) = delete;
+  virtual ~PluginFilter() = default;
+
+  virtual void initPlugin() {}
+  /// `menuName`: title of the chosen menu entry. 0 on success.
+  virtual long filterImage(const std::string& /*menuName*/) { return 0; }
+  /// Unregisters the object from everything; called once, last.
+  virtual void dealloc() { commandViewer_ = nullptr; }
+
+  /// The plug-in's state as a dictionary, for logs and tests. Reading it computes and changes nothing.
+  virtual Value stateSnapshot() const { return {}; }
+
+  /// All open 2D viewers, in the host's order.
+  std::vector<Ref<ViewerController>> viewerControllersList() const { return api_.viewerControllersList(); }
+
+  /// The viewer from which the menu command came; the host sets it before filterImage. Not kept alive.
+  Ref<ViewerController> commandViewerController() const { return commandViewer_.lock(); }
+  void setCommandViewerController(const Ref<ViewerController>& viewer) { commandViewer_ = viewer; }
+
+ protected:
+  PelmarAPI& api() const { return api_; }
+
+ private:
+  PelmarAPI& api_;
+  WeakRef<ViewerController> commandViewer_;
+};
+
+}  // namespace pelmar

@@ -1,0 +1,126 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "host/Ref.h"
+
+namespace pelmar {
+
+/// A property value: nil, a number (boolean, integer or real), a string, an array, a dictionary with string keys, or
+/// an object of the host. User defaults, the extra information of a notification, a palette's settings and the
+/// dictionary that is stored in a study are made of these.
+class Value {
+ public:
+  using Array = std::vector<Value>;
+  using Dictionary = std::map<std::string, Value, std::less<>>;
+
+  Value() = default;
+  Value(std::nullptr_t) {}
+  Value(bool value) : data_(value) {}
+  Value(int value) : data_(static_cast<std::int64_t>(value)) {}
+  Value(std::int64_t value) : data_(value) {}
+  Value(double value) : data_(value) {}
+  Value(const char* value) : data_(std::string(value)) {}
+  Value(std::string value) : data_(std::move(value)) {}
+  Value(Array value) : data_(std::move(value)) {}
+  Value(Dictionary value) : data_(std::move(value)) {}
+  template <class T>
+    requires std::is_base_of_v<HostObject, T>
+  Value(const Ref<T>& object) {
+    if (object) data_ = Ref<HostObject>(object);
+  }
+
+  bool isNil() const { return std::holds_alternative<std::monostate>(data_); }
+  bool isNumber() const {
+    return std::holds_alternative<bool>(data_) || std::holds_alternative<std::int64_t>(data_) ||
+           std::holds_alternative<double>(data_);
+  }
+  bool isBool() const { return std::holds_alternative<bool>(data_); }
+  bool isInteger() const { return std::holds_alternative<std::int64_t>(data_); }
+  bool isReal() const { return std::holds_alternative<double>(data_); }
+
+  /// The content when the value is of that kind, null when it is of another.
+  const std::string* string() const { return std::get_if<std::string>(&data_); }
+  const Array* array() const { return std::get_if<Array>(&data_); }
+  const Dictionary* dictionary() const { return std::get_if<Dictionary>(&data_); }
+  Ref<HostObject> object() const {
+    const auto* held = std::get_if<Ref<HostObject>>(&data_);
+    return held ? *held : Ref<HostObject>();
+  }
+
+  /// A number as 32-bit integer: reals lose their fraction, what does not fit is cut to the low 32 bits (reals beyond
+  /// 64 bits: 0). A string is read as a decimal integer up to the first character that does not belong to it, after
+  /// blanks; values beyond 32 bits stop at the limit. Anything else: 0.
+  std::int32_t intValue() const;
+  /// A number: not zero. A string: begins, after blanks, a sign and zeros, with one of YyTt1-9. Anything else: false.
+  bool boolValue() const;
+  /// A number as real; anything else: 0.
+  double doubleValue() const;
+
+  /// Numbers by value whatever their kind, arrays and dictionaries element by element, objects by identity.
+  friend bool operator==(const Value& a, const Value& b);
+
+ private:
+  std::variant<std::monostate, bool, std::int64_t, double, std::string, Array, Dictionary, Ref<HostObject>> data_;
+};
+
+inline double Value::doubleValue() const {
+  if (const auto* flag = std::get_if<bool>(&data_)) return *flag ? 1 : 0;
+  if (const auto* integer = std::get_if<std::int64_t>(&data_)) return static_cast<double>(*integer);
+  if (const auto* real = std::get_if<double>(&data_)) return *real;
+  return 0;
+}
+
+inline std::int32_t Value::intValue() const {
+  if (const auto* flag = std::get_if<bool>(&data_)) return *flag ? 1 : 0;
+  if (const auto* integer = std::get_if<std::int64_t>(&data_)) return static_cast<std::int32_t>(*integer);
+  if (const auto* real = std::get_if<double>(&data_)) {
+    if (!(*real > -9.2e18 && *real < 9.2e18)) return 0;
+    return static_cast<std::int32_t>(static_cast<std::int64_t>(*real));
+  }
+  if (const auto* text = string()) {
+    std::size_t at = text->find_first_not_of(" \t\r\n");
+    if (at == std::string::npos) return 0;
+    const bool negative = (*text)[at] == '-';
+    if (negative || (*text)[at] == '+') ++at;
+    std::int64_t number = 0;
+    for (; at < text->size() && (*text)[at] >= '0' && (*text)[at] <= '9'; ++at) {
+      number = number * 10 + ((*text)[at] - '0');
+      if (number > INT32_MAX) return negative ? INT32_MIN : INT32_MAX;
+    }
+    return static_cast<std::int32_t>(negative ? -number : number);
+  }
+  return 0;
+}
+
+inline bool Value::boolValue() const {
+  if (isNumber()) return doubleValue() != 0;
+  if (const auto* text = string()) {
+    std::size_t at = text->find_first_not_of(" \t\r\n");
+    if (at == std::string::npos) return false;
+    if ((*text)[at] == '-' || (*text)[at] == '+') ++at;
+    while (at < text->size() && (*text)[at] == '0') ++at;
+    return at < text->size() && std::string("YyTt123456789").find((*text)[at]) != std::string::npos;
+  }
+  return false;
+}
+
+inline bool operator==(const Value& a, const Value& b) {
+  if (a.isNumber() && b.isNumber()) {
+    if (!a.isReal() && !b.isReal()) {
+      const auto integer = [](const Value& value) {
+        const auto* flag = std::get_if<bool>(&value.data_);
+        return flag ? std::int64_t{*flag} : std::get<std::int64_t>(value.data_);
+      };
+      return integer(a) == integer(b);
+    }
+    return a.doubleValue() == b.doubleValue();
+  }
+  return a.data_ == b.data_;
+}
+
+}  // namespace pelmar
