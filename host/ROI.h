@@ -113,7 +113,7 @@ class ROIClass {
  public:
   virtual ~ROIClass() = default;
   /// A new annotation of the given kind for the given view, not yet in any slice's list: mode 0, thickness 2, empty
-  /// rectangle, no points. Nil where the host cannot make one.
+  /// rectangle, no points, `curView` the view, `pix` the slice that the view shows. Nil where the host cannot make one.
   virtual Ref<ROI> roiWithType(long type, const Ref<DCMView>& inView) = 0;
   /// Takes one annotation out of every list that holds it and posts its removal while `curView` still answers.
   /// Nil argument: nothing.

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/Point3D.h"
+
+namespace vertana {
+
+/// One disc level of the labelled spine. Never changed once made.
+struct IntervertebralPlane {
+  std::string name;                     ///< the disc's label, for example "L4-L5"
+  pelmar::Ref<pelmar::Point3D> point;   ///< on the spine curve, patient coordinates, mm
+  pelmar::Ref<pelmar::Point3D> vector;  ///< unit vector along the curve, towards the next level: the plane's normal
+};
+
+/// In curve order, first label first; absent while they are not computed.
+using IntervertebralPlanes = std::optional<std::vector<IntervertebralPlane>>;
+
+}  // namespace vertana
