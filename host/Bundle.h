@@ -14,10 +14,10 @@ inline constexpr int contractVersion = 1;
 
 extern "C" {
 struct VertanaBundleEntry {
-  int contractVersion;                                   ///< the contract that the module was built against
-  const char* version;                                   ///< the plug-in's own version
-  pelmar::PluginFilter* (*create)(pelmar::PelmarAPI*);   ///< null when it cannot be made; never throws
-  void (*destroy)(pelmar::PluginFilter*);                ///< null argument: nothing; never throws
+  int contractVersion;                                  ///< the contract that the module was built against
+  const char* version;                                  ///< the plug-in's own version
+  pelmar::PluginFilter* (*create)(pelmar::PelmarAPI*);  ///< null when it cannot be made; never throws
+  void (*destroy)(pelmar::PluginFilter*);               ///< null argument: nothing; never throws
 };
 /// The one exported symbol: `extern "C" const VertanaBundleEntry* vertana_bundle_entry()`.
 using VertanaBundleEntryFunction = const VertanaBundleEntry* (*)();

@@ -5,8 +5,8 @@
 
 #include "host/Geometry.h"
 #include "host/List.h"
-#include "host/Ref.h"
 #include "host/ROI.h"
+#include "host/Ref.h"
 
 namespace pelmar {
 

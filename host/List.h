@@ -47,7 +47,8 @@ class VectorList : public MutableList<E> {
   E objectAtIndex(std::size_t index) const override { return index < elements_.size() ? elements_[index] : E{}; }
   void addObject(const E& element) override { elements_.push_back(element); }
   void insertObject(const E& element, std::size_t atIndex) override {
-    if (atIndex <= elements_.size()) elements_.insert(elements_.begin() + static_cast<std::ptrdiff_t>(atIndex), element);
+    if (atIndex <= elements_.size())
+      elements_.insert(elements_.begin() + static_cast<std::ptrdiff_t>(atIndex), element);
   }
   void removeObject(const E& element) override { std::erase(elements_, element); }
   void removeAllObjects() override { elements_.clear(); }

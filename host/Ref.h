@@ -39,8 +39,7 @@ class Ref {
   Ref(std::nullptr_t) {}
   explicit Ref(std::shared_ptr<T> object) : object_(std::move(object)) {}
   template <class U>
-    requires std::is_convertible_v<U*, T*>
-  Ref(const Ref<U>& other) : object_(other.shared()) {}
+  requires std::is_convertible_v<U*, T*> Ref(const Ref<U>& other) : object_(other.shared()) {}
 
   /// The object, or T's nil answers when there is none.
   T* operator->() const { return object_ ? object_.get() : nilObject(); }

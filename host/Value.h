@@ -29,8 +29,7 @@ class Value {
   Value(Array value) : data_(std::move(value)) {}
   Value(Dictionary value) : data_(std::move(value)) {}
   template <class T>
-    requires std::is_base_of_v<HostObject, T>
-  Value(const Ref<T>& object) {
+  requires std::is_base_of_v<HostObject, T> Value(const Ref<T>& object) {
     if (object) data_ = Ref<HostObject>(object);
   }
 

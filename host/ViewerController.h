@@ -1,8 +1,8 @@
 #pragma once
 
 #include "host/List.h"
-#include "host/Ref.h"
 #include "host/ROI.h"
+#include "host/Ref.h"
 
 namespace pelmar {
 
