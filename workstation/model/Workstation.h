@@ -1,0 +1,260 @@
+#pragma once
+// Start here. A DICOM workstation without a window: studies, viewers, annotations and tools as a person at the screen
+// has them, and a host for one plug-in. A script and a window call the same operations, so that what either does is
+// the same. Main thread only.
+//
+// Studies are named by their Study Instance UID, viewers by numbers that count up from 0 in the order of opening and
+// are never used again, slices by their index in the viewer from 0, annotations by ids that stay the same in a run.
+// Every operation that can be refused says so in a whole sentence and then has done nothing.
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/PelmarAPI.h"
+#include "workstation/model/Outcome.h"
+#include "workstation/model/PluginHandle.h"
+#include "workstation/model/Seams.h"
+#include "workstation/model/Stacks.h"
+
+namespace workstation {
+
+class EventLoop;
+class Host;
+
+/// What the workstation is made with. The pointers are not owned, may be null and must outlive it.
+struct Options {
+  std::optional<std::string> hostVersion = "9.0";  ///< what the host says of itself; absent: nothing
+  std::set<pelmar::Capability> lacking;            ///< operations that it pretends not to have
+  pelmar::Value::Dictionary defaults;              ///< user defaults to begin with, over those of the store
+  DefaultsStore* defaultsStore = nullptr;
+  StudyReports* reports = nullptr;
+  pelmar::KeyedArchiving* keyedArchiving = nullptr;
+  double screenWidth = 1920;  ///< points
+  double screenHeight = 1200;
+  Listeners listeners;
+};
+
+/// The capability that a script means by this name ("bodyPartExamined", "stringTags", "dontDisplayInKeyImagesWindow",
+/// "resamplePoints", "Point3DCoding", "ROIToolTag"); nothing for another name.
+std::optional<pelmar::Capability> capabilityNamed(std::string_view name);
+
+/// Names a stack of a study that was added.
+struct StackId {
+  std::string studyUid;
+  std::size_t series = 0;  ///< index in Study::series
+  std::size_t stack = 0;   ///< index in Series::stacks
+  friend bool operator==(const StackId&, const StackId&) = default;
+};
+
+enum class FlipAxis { horizontal, vertical };
+
+/// A viewer as it is now.
+struct ViewerInfo {
+  int number = 0;
+  StackId stack;
+  long orientationCode = -1;
+  int slice = 0;
+  int slices = 0;
+  long tool = 0;     ///< mouse tool, see MouseTool
+  long roiTool = 0;  ///< annotation tool; 0: none was chosen yet
+  bool front = false;
+  pelmar::FrameRect frame;      ///< on the screen
+  pelmar::FrameRect viewFrame;  ///< of its image view, in its window
+  double scale = 1;             ///< zoom: points per pixel, from column to column
+  pelmar::ViewPoint origin;     ///< pan: where the image's centre lies, from the centre of the view, in points
+  double rotationDegrees = 0;   ///< clockwise, 0 <= degrees < 360
+  bool flippedHorizontally = false;
+  bool flippedVertically = false;
+  bool needsDisplay = false;    ///< someone asked for a redraw since markDisplayed
+};
+
+/// An annotation in a viewer.
+struct AnnotationInfo {
+  int id = 0;
+  pelmar::Ref<pelmar::ROI> roi;
+  std::vector<int> slices;  ///< ascending: those whose list holds it
+  bool drawnByPerson = false;
+};
+
+/// The plug-in's window.
+struct PaletteInfo {
+  bool visible = false;
+  pelmar::FrameRect frame;  ///< on the screen
+  std::string frameAutosaveName;
+  WindowDescription description;
+};
+
+enum class Key { returnKey };
+
+/// The workstation's own numbers of its mouse tools.
+enum MouseTool : long {
+  MouseToolWindowLevel = 0,
+  MouseToolPan = 1,
+  MouseToolZoom = 2,
+  MouseToolRotate = 3,
+  MouseToolScroll = 4,
+  MouseToolAnnotate = 9,  ///< the left button draws with the viewer's annotation tool
+};
+
+class Workstation {
+ public:
+  explicit Workstation(Options options = {});
+  /// Takes the plug-in out as a crash would: nothing is closed or saved. Call quit() first to end as a person would.
+  ~Workstation();
+  Workstation(const Workstation&) = delete;
+  Workstation& operator=(const Workstation&) = delete;
+
+  /// The contract's interface, to make a plug-in object with. Lives as long as the workstation.
+  pelmar::PelmarAPI& api();
+
+  // --- the plug-in -------------------------------------------------------------------------------------------------
+
+  /// Takes the plug-in in and calls its initPlugin. One that was there before is let go first; null only does that.
+  void setPlugin(std::unique_ptr<PluginHandle> plugin);
+  /// Titles of its menu entries; empty without a plug-in.
+  std::vector<std::string> menuEntries() const;
+  /// Chooses a menu entry while the viewer is in front. Any title is passed on; it is the plug-in that knows them.
+  Outcome chooseMenu(int viewer, const std::string& title);
+  /// The plug-in's state (PluginFilter::stateSnapshot); nil without a plug-in. Changes nothing.
+  pelmar::Value pluginState() const;
+
+  // --- studies -----------------------------------------------------------------------------------------------------
+
+  /// Adds images of any number of studies and answers those studies' UIDs, by date, then UID. A study that is there
+  /// already stays as it is.
+  std::vector<std::string> addImages(std::vector<ImageRecord> images);
+  /// Null when no such study was added. Stays valid and unchanged.
+  const Study* study(const std::string& studyUid) const;
+  /// Every stack of a study, in order of Series Number, then stack; empty for an unknown study.
+  std::vector<StackId> stacks(const std::string& studyUid) const;
+  /// The stack with this index in the first series with this number; nothing when there is none.
+  std::optional<StackId> findStack(const std::string& studyUid, int seriesNumber, std::size_t stack = 0) const;
+  const Series* series(const StackId& stack) const;  ///< null when there is none
+  const Stack* stack(const StackId& stack) const;    ///< null when there is none
+
+  // --- viewers -----------------------------------------------------------------------------------------------------
+
+  /// Opens a viewer for every stack, in order; each is in front as it opens and its loaded-notification is posted
+  /// before the next opens. Answers their numbers.
+  Result<std::vector<int>> openStudy(const std::string& studyUid);
+  /// Opens one viewer, in front of the others, on the first slice; posts its loaded-notification.
+  Result<int> openViewer(const StackId& stack);
+  /// Takes the viewer from the list, posts its closing while it is still whole, then lets it go.
+  Outcome closeViewer(int viewer);
+  /// Shows another stack in the viewer: posts that it will change, lets go of its annotations (the person's own come
+  /// back with their stack), loads, and posts that it has loaded. Zoom, pan, rotation and flips begin anew.
+  Outcome switchSeries(int viewer, const StackId& stack);
+  Outcome bringToFront(int viewer);
+  /// Every open viewer, in the order of opening.
+  std::vector<ViewerInfo> viewers() const;
+  std::optional<ViewerInfo> viewer(int viewer) const;
+  /// The number of the viewer in front, of those open; nothing when none is open.
+  std::optional<int> frontViewer() const;
+  /// The record of a slice; null when there is no such viewer or slice.
+  const ImageRecord* sliceRecord(int viewer, int slice) const;
+  /// The viewer as the plug-in sees it; nil when it is not open.
+  pelmar::Ref<pelmar::ViewerController> controller(int viewer) const;
+  /// The person moved or resized the window; `frame` on the screen, in points.
+  Outcome setViewerFrame(int viewer, const pelmar::FrameRect& frame);
+  /// The window has painted the viewer.
+  void markDisplayed(int viewer);
+
+  /// Shows another slice; posts the index-changed notification if it is another one.
+  Outcome scroll(int viewer, int slice);
+  /// Sets the zoom, in points per pixel (> 0); posts the scale-changed notification.
+  Outcome zoom(int viewer, double scale);
+  /// Moves the image by so many points (x to the right, y up); posts the origin-changed notification.
+  Outcome pan(int viewer, double dx, double dy);
+  /// Turns the image clockwise by so many degrees.
+  Outcome rotate(int viewer, double degrees);
+  /// Mirrors the image left to right (horizontal) or top to bottom (vertical) as it is stored, before rotation.
+  Outcome flip(int viewer, FlipAxis axis);
+
+  /// Between the image view's points and pixels of the shown slice; (0, 0) when the viewer is not open.
+  pelmar::PixelPoint pixelAt(int viewer, pelmar::ViewPoint point) const;
+  pelmar::ViewPoint viewPointAt(int viewer, pelmar::PixelPoint pixel) const;
+
+  // --- mouse, keys and tools ---------------------------------------------------------------------------------------
+
+  /// Chooses a mouse tool (see MouseTool; other tags are kept and do nothing).
+  Outcome selectMouseTool(int viewer, long tag);
+  /// Chooses an annotation tool: 5 length line, 10 open polygon. The left button then draws with it.
+  Outcome selectRoiTool(int viewer, long tag);
+
+  /// The left button, with the pointer at a pixel of the shown slice, which need not be whole nor inside the image.
+  /// A press draws, drags the vertex of a selected annotation (within 8 points), or does nothing.
+  Outcome press(int viewer, pelmar::PixelPoint at);
+  Outcome move(int viewer, pelmar::PixelPoint at);
+  Outcome release(int viewer, pelmar::PixelPoint at);
+  /// The second press of a double click; its first press and release come as such before.
+  Outcome doubleClick(int viewer, pelmar::PixelPoint at);
+  Outcome key(int viewer, Key key);
+  /// The same in points of the image view.
+  Outcome press(int viewer, pelmar::ViewPoint at);
+  Outcome move(int viewer, pelmar::ViewPoint at);
+  Outcome release(int viewer, pelmar::ViewPoint at);
+  Outcome doubleClick(int viewer, pelmar::ViewPoint at);
+
+  // --- whole drawings, made of the events above --------------------------------------------------------------------
+
+  /// Scrolls to the slice, chooses the length tool unless the left button draws with it already, presses at `a`, moves
+  /// `moves` (at least 1) times in equal steps, the last time to `b`, and, if asked, releases there. Never drags.
+  /// Answers the id of the annotation that was drawn, which may be gone by then.
+  Result<int> drawLine(int viewer, int slice, pelmar::PixelPoint a, pelmar::PixelPoint b, int moves = 8,
+                       bool release = true);
+  /// The same with the polygon tool: a click a point, then, if asked, a double click at the last point. Nothing more is
+  /// sent once the polygon has been ended.
+  Result<int> drawPolygon(int viewer, int slice, const std::vector<pelmar::PixelPoint>& points, bool release = true);
+  /// Ends what is being drawn: releases a line where it is, double-clicks a polygon at its last vertex.
+  Outcome endDrawing(int viewer);
+  /// Drags a vertex of an annotation to a pixel in `moves` (at least 1) equal steps, first showing a slice that holds
+  /// the annotation and selecting it where that is needed.
+  Outcome dragVertex(int viewer, int annotation, int vertex, pelmar::PixelPoint to, int moves = 4);
+  /// Deletes an annotation of the viewer as a person does; its removal is posted.
+  Outcome deleteAnnotation(int viewer, int annotation);
+
+  /// The annotations of a viewer, each once, in the order of slices and their lists.
+  std::vector<AnnotationInfo> annotations(int viewer) const;
+  /// Those of one slice, in drawing order.
+  std::vector<AnnotationInfo> annotations(int viewer, int slice) const;
+  /// The id of an annotation of this workstation; nothing for any other object.
+  std::optional<int> annotationId(const pelmar::Ref<pelmar::HostObject>& annotation) const;
+
+  // --- the plug-in's window ----------------------------------------------------------------------------------------
+
+  /// The plug-in's window while it is open (shown and not closed yet).
+  std::optional<PaletteInfo> palette() const;
+  /// Uses the control with this action ("reset:"; the colon may be left out).
+  Outcome pressPalette(const std::string& action);
+  /// Closes it with its close box.
+  Outcome closePalette();
+  /// Sets the property that a control is bound to.
+  Outcome setPaletteValue(const std::string& key, const pelmar::Value& value);
+  /// The value of a property; nil without a palette or property.
+  pelmar::Value paletteValue(const std::string& key) const;
+  /// The person moved it; origin at its bottom left.
+  Outcome movePalette(pelmar::ScreenPoint origin);
+
+  // --- what was shown to the person --------------------------------------------------------------------------------
+
+  /// The panels since the last call, oldest first.
+  std::vector<Alert> takeAlerts();
+  std::vector<std::string> takeOpenedAddresses();
+  pelmar::Value::Dictionary userDefaults() const;
+
+  /// Ends as a person does: closes the palette, then each viewer in the order of opening.
+  void quit();
+
+  /// The loop in which all of the above run as events.
+  EventLoop& events();
+
+ private:
+  struct Interior;
+  std::unique_ptr<Interior> interior_;
+};
+
+}  // namespace workstation
