@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <variant>
 #include <vector>
@@ -20,34 +21,32 @@ class Value {
 
   Value() = default;
   Value(std::nullptr_t) {}
-  Value(bool value) : data_(value) {}
-  Value(int value) : data_(static_cast<std::int64_t>(value)) {}
-  Value(std::int64_t value) : data_(value) {}
-  Value(double value) : data_(value) {}
-  Value(const char* value) : data_(std::string(value)) {}
-  Value(std::string value) : data_(std::move(value)) {}
-  Value(Array value) : data_(std::move(value)) {}
-  Value(Dictionary value) : data_(std::move(value)) {}
+  Value(bool value) : data_(make(value)) {}
+  Value(int value) : data_(make(static_cast<std::int64_t>(value))) {}
+  Value(std::int64_t value) : data_(make(value)) {}
+  Value(double value) : data_(make(value)) {}
+  Value(const char* value) : data_(make(std::string(value))) {}
+  Value(std::string value) : data_(make(std::move(value))) {}
+  Value(Array value) : data_(make(std::move(value))) {}
+  Value(Dictionary value) : data_(make(std::move(value))) {}
   template <class T>
-  requires std::is_base_of_v<HostObject, T> Value(const Ref<T>& object) {
-    if (object) data_ = Ref<HostObject>(object);
+    requires std::is_base_of_v<HostObject, T>
+  Value(const Ref<T>& object) {
+    if (object) data_ = make(Ref<HostObject>(object));
   }
 
-  bool isNil() const { return std::holds_alternative<std::monostate>(data_); }
-  bool isNumber() const {
-    return std::holds_alternative<bool>(data_) || std::holds_alternative<std::int64_t>(data_) ||
-           std::holds_alternative<double>(data_);
-  }
-  bool isBool() const { return std::holds_alternative<bool>(data_); }
-  bool isInteger() const { return std::holds_alternative<std::int64_t>(data_); }
-  bool isReal() const { return std::holds_alternative<double>(data_); }
+  bool isNil() const { return data_ == nullptr; }
+  bool isBool() const { return get<bool>() != nullptr; }
+  bool isInteger() const { return get<std::int64_t>() != nullptr; }
+  bool isReal() const { return get<double>() != nullptr; }
+  bool isNumber() const { return isBool() || isInteger() || isReal(); }
 
   /// The content when the value is of that kind, null when it is of another.
-  const std::string* string() const { return std::get_if<std::string>(&data_); }
-  const Array* array() const { return std::get_if<Array>(&data_); }
-  const Dictionary* dictionary() const { return std::get_if<Dictionary>(&data_); }
+  const std::string* string() const { return get<std::string>(); }
+  const Array* array() const { return get<Array>(); }
+  const Dictionary* dictionary() const { return get<Dictionary>(); }
   Ref<HostObject> object() const {
-    const auto* held = std::get_if<Ref<HostObject>>(&data_);
+    const auto* held = get<Ref<HostObject>>();
     return held ? *held : Ref<HostObject>();
   }
 
@@ -64,20 +63,30 @@ class Value {
   friend bool operator==(const Value& a, const Value& b);
 
  private:
-  std::variant<std::monostate, bool, std::int64_t, double, std::string, Array, Dictionary, Ref<HostObject>> data_;
+  // Values never change once made, so copies share their content.
+  using Content = std::variant<bool, std::int64_t, double, std::string, Array, Dictionary, Ref<HostObject>>;
+  template <class T>
+  static std::shared_ptr<const Content> make(T value) {
+    return std::make_shared<const Content>(std::move(value));
+  }
+  template <class T>
+  const T* get() const {
+    return data_ ? std::get_if<T>(data_.get()) : nullptr;
+  }
+  std::shared_ptr<const Content> data_;
 };
 
 inline double Value::doubleValue() const {
-  if (const auto* flag = std::get_if<bool>(&data_)) return *flag ? 1 : 0;
-  if (const auto* integer = std::get_if<std::int64_t>(&data_)) return static_cast<double>(*integer);
-  if (const auto* real = std::get_if<double>(&data_)) return *real;
+  if (const auto* flag = get<bool>()) return *flag ? 1 : 0;
+  if (const auto* integer = get<std::int64_t>()) return static_cast<double>(*integer);
+  if (const auto* real = get<double>()) return *real;
   return 0;
 }
 
 inline std::int32_t Value::intValue() const {
-  if (const auto* flag = std::get_if<bool>(&data_)) return *flag ? 1 : 0;
-  if (const auto* integer = std::get_if<std::int64_t>(&data_)) return static_cast<std::int32_t>(*integer);
-  if (const auto* real = std::get_if<double>(&data_)) {
+  if (const auto* flag = get<bool>()) return *flag ? 1 : 0;
+  if (const auto* integer = get<std::int64_t>()) return static_cast<std::int32_t>(*integer);
+  if (const auto* real = get<double>()) {
     if (!(*real > -9.2e18 && *real < 9.2e18)) return 0;
     return static_cast<std::int32_t>(static_cast<std::int64_t>(*real));
   }
@@ -112,14 +121,16 @@ inline bool operator==(const Value& a, const Value& b) {
   if (a.isNumber() && b.isNumber()) {
     if (!a.isReal() && !b.isReal()) {
       const auto integer = [](const Value& value) {
-        const auto* flag = std::get_if<bool>(&value.data_);
-        return flag ? std::int64_t{*flag} : std::get<std::int64_t>(value.data_);
+        const auto* flag = value.get<bool>();
+        return flag ? std::int64_t{*flag} : *value.get<std::int64_t>();
       };
       return integer(a) == integer(b);
     }
     return a.doubleValue() == b.doubleValue();
   }
-  return a.data_ == b.data_;
+  if (a.data_ == b.data_) return true;
+  if (!a.data_ || !b.data_) return false;
+  return *a.data_ == *b.data_;
 }
 
 }  // namespace pelmar

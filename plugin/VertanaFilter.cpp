@@ -1,0 +1,96 @@
+#include "plugin/VertanaFilter.h"
+
+#include "plugin/VertanaWindowController.h"
+
+namespace vertana {
+
+using pelmar::Notification;
+using pelmar::Ref;
+using pelmar::ROI;
+using pelmar::Value;
+
+VertanaFilter::VertanaFilter(pelmar::PelmarAPI& api) : PluginFilter(api) {}
+
+VertanaFilter::~VertanaFilter() { VertanaFilter::dealloc(); }
+
+void VertanaFilter::observe(std::string_view notification, void (VertanaFilter::*handler)(const Notification&)) {
+  api().defaultCenter().addObserver(this, notification, nullptr, [this, handler](const Notification& posted) {
+    // A host must never see an exception of ours; what failed half-way is rebuilt by the next notification.
+    try {
+      (this->*handler)(posted);
+    } catch (...) {
+    }
+  });
+}
+
+void VertanaFilter::initPlugin() {
+  if (requirementsError()) return;
+  observe(pelmar::PelmarROIChangeNotification, &VertanaFilter::PelmarROIChanged);
+  observe(pelmar::PelmarRemoveROINotification, &VertanaFilter::PelmarROIRemoved);
+  observe(pelmar::PelmarAddROINotification, &VertanaFilter::PelmarROIAdded);
+  observe(pelmar::PelmarCloseViewerNotification, &VertanaFilter::PelmarCloseViewer);
+  observe(pelmar::PelmarViewerControllerDidLoadImagesNotification, &VertanaFilter::PelmarViewerControllerDidLoadImages);
+  observe(pelmar::PelmarDCMViewIndexChangedNotification, &VertanaFilter::PelmarDCMViewIndexChanged);
+  observe(pelmar::PelmarViewerWillChangeNotification, &VertanaFilter::PelmarViewerWillChange);
+  observe(pelmar::PelmarViewOriginChanged, &VertanaFilter::PelmarScaleOrOriginViewChanged);
+  observe(pelmar::PelmarViewScaleChanged, &VertanaFilter::PelmarScaleOrOriginViewChanged);
+  setDisplayLabels(true);
+  setAdditionalVertebra(false);
+}
+
+void VertanaFilter::dealloc() {
+  api().defaultCenter().removeObserver(this);
+  study_ = nullptr;
+  openPolygonROI_ = nullptr;
+  intervertebralPlanes_ = std::nullopt;
+  savedDictionary_ = std::nullopt;
+  PluginFilter::dealloc();
+}
+
+void VertanaFilter::setIsActive(bool isActive) {
+  isActive_ = isActive;
+  removeInputLengthROI();
+  removeInputOpenPolygonROI();
+}
+
+void VertanaFilter::setWindowController(std::shared_ptr<VertanaWindowController> palette) {
+  windowController_ = std::move(palette);
+}
+
+bool VertanaFilter::isEditingActive() const {
+  if (workflow_ == -1) return false;
+  return windowController_ && windowController_->window()->isVisible();
+}
+
+void VertanaFilter::settingDidChange(std::string_view key) {
+  if (windowController_) windowController_->settingDidChange(key);
+}
+
+Value VertanaFilter::stateSnapshot() const {
+  Value planes;
+  if (intervertebralPlanes_) {
+    Value::Array records;
+    for (const auto& plane : *intervertebralPlanes_) {
+      records.push_back(Value::Dictionary{{"name", plane.name}, {"point", plane.point}, {"vector", plane.vector}});
+    }
+    planes = std::move(records);
+  }
+  const auto studyUID = study_->studyInstanceUID();
+  return Value::Dictionary{{"isActive", isActive_},
+                           {"isEditingActive", isEditingActive()},
+                           {"displayLabels", displayLabels_},
+                           {"additionalVertebra", additionalVertebra_},
+                           {"previousTool", previousTool_},
+                           {"previousROITool", previousROITool_},
+                           {"workflow", workflow_},
+                           {"drawMode", static_cast<std::int64_t>(drawMode_)},
+                           {"anatomicalRegion", static_cast<std::int64_t>(anatomicalRegion_)},
+                           {"study", studyUID ? Value(*studyUID) : Value()},
+                           {"inputLengthROI", inputLengthROI()},
+                           {"inputOpenPolygonROI", inputOpenPolygonROI()},
+                           {"openPolygonROI", openPolygonROI_},
+                           {"intervertebralPlanes", planes},
+                           {"savedDictionary", savedDictionary_ ? Value(*savedDictionary_) : Value()}};
+}
+
+}  // namespace vertana

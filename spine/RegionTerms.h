@@ -1,0 +1,28 @@
+#pragma once
+// Words that tell the spine region: the built-in tables, and the shape in which learnt terms are kept.
+
+#include <string>
+#include <vector>
+
+#include "host/Value.h"
+
+namespace vertana {
+
+/// Terms of one region.
+struct RegionTerms {
+  long region = -1;
+  std::vector<std::string> terms;
+};
+
+/// Body Part Examined defined terms (PS3.16 Annex L), compared whole.
+std::vector<RegionTerms> bodyPartTerms();
+
+/// Words of study descriptions in several languages, searched anywhere in the text.
+std::vector<RegionTerms> studyDescriptionTerms();
+
+/// The records of a stored list; entries of another shape are passed over.
+std::vector<RegionTerms> regionTermsFromValue(const pelmar::Value& stored);
+
+pelmar::Value valueFromRegionTerms(const std::vector<RegionTerms>& records);
+
+}  // namespace vertana

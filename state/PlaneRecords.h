@@ -1,0 +1,16 @@
+#pragma once
+
+#include <vector>
+
+#include "geometry/IntervertebralPlane.h"
+#include "host/Value.h"
+
+namespace vertana {
+
+/// The planes as they are stored: dictionaries with "name", "point" and "vector", holding the same point objects.
+pelmar::Value valueFromPlanes(const std::vector<IntervertebralPlane>& planes);
+
+/// The planes of a stored array; what is missing in a record is left empty.
+std::vector<IntervertebralPlane> planesFromValue(const pelmar::Value::Array& records);
+
+}  // namespace vertana
