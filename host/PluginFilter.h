@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/PelmarAPI.h"
@@ -24,6 +25,9 @@ class PluginFilter {
 
   /// The plug-in's state as a dictionary, for logs and tests. Reading it computes and changes nothing.
   virtual Value stateSnapshot() const { return {}; }
+
+  /// The answer to a named question that the plug-in documents; nil for one it does not know. Changes nothing.
+  virtual Value valueForKey(std::string_view /*key*/) const { return {}; }
 
   /// All open 2D viewers, in the host's order.
   std::vector<Ref<ViewerController>> viewerControllersList() const { return api_.viewerControllersList(); }

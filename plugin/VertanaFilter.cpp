@@ -93,4 +93,13 @@ Value VertanaFilter::stateSnapshot() const {
                            {"savedDictionary", savedDictionary_ ? Value(*savedDictionary_) : Value()}};
 }
 
+Value VertanaFilter::valueForKey(std::string_view key) const {
+  if (key == "guessedAnatomicalRegion") return static_cast<std::int64_t>(guessedAnatomicalRegion());
+  if (key == "intervertebralPlanesLabels") {
+    const auto discs = currentIntervertebralPlanesLabels();
+    return Value::Array(discs.begin(), discs.end());
+  }
+  return {};
+}
+
 }  // namespace vertana

@@ -61,6 +61,9 @@ class VertanaFilter : public pelmar::PluginFilter {
   long filterImage(const std::string& menuName) override;
   void dealloc() override;
   pelmar::Value stateSnapshot() const override;
+  /// "guessedAnatomicalRegion": the guess for the study at hand, -1 when there is none. "intervertebralPlanesLabels":
+  /// the disc names of the current region, head to foot.
+  pelmar::Value valueForKey(std::string_view key) const override;
 
   /// Loads what the study holds and redraws it; does nothing unless a workflow runs on a study.
   void startWorkflow();
