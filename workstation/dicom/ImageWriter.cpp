@@ -4,8 +4,9 @@
 #include <dcmtk/dcmdata/dctk.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <system_error>
 
 #include "workstation/dicom/Toolkit.h"
@@ -13,14 +14,14 @@
 namespace workstation {
 namespace {
 
-/// A decimal string of at most 16 characters (PS3.5 6.2, DS) that is as near to the value as that length allows.
+/// A decimal string of at most 16 characters (PS3.5 6.2, DS) that is as near to the value as that length allows,
+/// whatever the locale.
 std::string decimalString(double value) {
-  char text[40];
-  for (int precision = 17; precision > 0; --precision) {
-    const int length = std::snprintf(text, sizeof text, "%.*g", precision, value == 0 ? 0.0 : value);
-    if (length <= 16 && (precision <= 15 || std::strtod(text, nullptr) == value)) break;
-  }
-  return text;
+  std::array<char, 40> text{};
+  std::to_chars_result end = std::to_chars(text.begin(), text.end(), value == 0 ? 0.0 : value);
+  for (int precision = 16; end.ptr - text.begin() > 16; --precision)
+    end = std::to_chars(text.begin(), text.end(), value, std::chars_format::general, precision);
+  return std::string(text.begin(), end.ptr);
 }
 
 template <class Numbers>

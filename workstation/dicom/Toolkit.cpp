@@ -12,8 +12,8 @@ namespace {
 std::string setUp() {
   OFLog::configure(OFLogger::OFF_LOG_LEVEL);
   DcmRLEDecoderRegistration::registerCodecs();
-  DJDecoderRegistration::registerCodecs();
-  DJLSDecoderRegistration::registerCodecs();
+  DJDecoderRegistration::registerCodecs(EDC_photometricInterpretation, EUC_default, EPC_colorByPixel);
+  DJLSDecoderRegistration::registerCodecs(EJLSUC_default, EJLSPC_colorByPixel);
   if (dcmDataDict.isDictionaryLoaded()) return {};
   return "The DICOM data dictionary was not found, so that files in implicit VR cannot be read: install the DICOM "
          "toolkit's data files or let the environment variable DCMDICTPATH name the dictionary.";

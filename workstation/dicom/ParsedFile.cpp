@@ -1,0 +1,92 @@
+#include "workstation/dicom/ParsedFile.h"
+
+#include <dcmtk/config/osconfig.h>
+#include <dcmtk/dcmdata/dcistrmf.h>
+#include <dcmtk/dcmdata/dctk.h>
+
+#include <algorithm>
+#include <cstdint>
+
+#include "workstation/dicom/Toolkit.h"
+
+namespace workstation {
+namespace {
+
+/// Longer values stay on disk until they are asked for.
+constexpr Uint32 longestValueToLoad = 16384;
+/// How much stack reading may take: the toolkit descends into sequences by recursion, and a small file can nest them
+/// ten thousand deep. This allows some hundred levels; real files have fewer than ten.
+constexpr std::uintptr_t stackForReading = 1 << 20;
+/// How far a compressed data set may unfold.
+constexpr offile_off_t longestInflated = offile_off_t{1} << 30;
+
+const OFConditionConst nestedTooDeeply(OFM_dcmdata, 0x7001, OF_error, "its sequences are nested too deeply");
+const OFConditionConst inflatesTooFar(OFM_dcmdata, 0x7002, OF_error, "its compressed data set is larger than 1 GB");
+
+std::uintptr_t stackPosition() { return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)); }
+
+/// A file's bytes, until reading them has used up the stack or the size it is allowed.
+class GuardedFileStream : public DcmInputFileStream {
+ public:
+  GuardedFileStream(const OFFilename& file, std::uintmax_t fileLength)
+      : DcmInputFileStream(file),
+        stackAtStart_(stackPosition()),
+        longest_(std::max(longestInflated, static_cast<offile_off_t>(fileLength))) {}
+
+  OFBool good() const override { return stopped_.good() && DcmInputFileStream::good(); }
+  OFCondition status() const override { return stopped_.good() ? DcmInputFileStream::status() : stopped_; }
+  offile_off_t read(void* buffer, offile_off_t length) override {
+    const std::uintptr_t now = stackPosition();
+    const std::uintptr_t used = now > stackAtStart_ ? now - stackAtStart_ : stackAtStart_ - now;
+    if (used > stackForReading) stopped_ = nestedTooDeeply;
+    if (tell() > longest_) stopped_ = inflatesTooFar;
+    return stopped_.good() ? DcmInputFileStream::read(buffer, length) : 0;
+  }
+
+ private:
+  std::uintptr_t stackAtStart_;
+  offile_off_t longest_;
+  OFCondition stopped_ = EC_Normal;
+};
+
+std::string phraseFor(const OFCondition& outcome) {
+  if (outcome == nestedTooDeeply || outcome == inflatesTooFar) return outcome.text();
+  if (outcome == EC_StreamNotifyClient || outcome == EC_EndOfStream || outcome == EC_InvalidStream)
+    return "it is truncated or damaged: it ends in the middle of an element";
+  return std::string("its structure is damaged (") + outcome.text() + ")";
+}
+
+}  // namespace
+
+ParsedFile::ParsedFile() : format_(std::make_unique<DcmFileFormat>()) {}
+ParsedFile::~ParsedFile() = default;
+
+bool ParsedFile::parse(const std::filesystem::path& file, std::string& problem) {
+  prepareToolkit();
+  std::error_code error;
+  const std::uintmax_t fileLength = std::filesystem::file_size(file, error);
+  GuardedFileStream stream(OFFilename(file.c_str()), error ? 0 : fileLength);
+  OFCondition outcome = stream.status();
+  if (outcome.bad()) {
+    problem = std::string("it cannot be opened (") + outcome.text() + ")";
+    return false;
+  }
+  format_->clear();
+  format_->transferInit();
+  outcome = format_->read(stream, EXS_Unknown, EGL_noChange, longestValueToLoad);
+  format_->transferEnd();
+  if (outcome.good() && stream.status().bad() && stream.status() != EC_EndOfStream) outcome = stream.status();
+  if (outcome.good()) return true;
+  problem = phraseFor(outcome);
+  return false;
+}
+
+DcmDataset& ParsedFile::dataset() { return *format_->getDataset(); }
+
+std::string ParsedFile::mediaStorageSopClass() {
+  OFString uid;
+  format_->getMetaInfo()->findAndGetOFString(DCM_MediaStorageSOPClassUID, uid);
+  return std::string(uid.c_str(), uid.size());
+}
+
+}  // namespace workstation

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+class DcmDataset;
+class DcmFileFormat;
+
+namespace workstation {
+
+/// A DICOM file whose structure has been read, its long values (pixels among them) still on disk. Internal to this
+/// folder.
+class ParsedFile {
+ public:
+  ParsedFile();
+  ~ParsedFile();
+  ParsedFile(const ParsedFile&) = delete;
+  ParsedFile& operator=(const ParsedFile&) = delete;
+
+  /// Reads the structure. False, with a phrase in `problem`, when the file is damaged or truncated, or nested so deeply
+  /// that reading it would not be safe.
+  bool parse(const std::filesystem::path& file, std::string& problem);
+
+  DcmDataset& dataset();
+  /// Media Storage SOP Class UID of the file meta information, or an empty string.
+  std::string mediaStorageSopClass();
+
+ private:
+  std::unique_ptr<DcmFileFormat> format_;
+};
+
+}  // namespace workstation

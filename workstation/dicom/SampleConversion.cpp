@@ -1,0 +1,132 @@
+#include "workstation/dicom/SampleConversion.h"
+
+#include <dcmtk/config/osconfig.h>
+#include <dcmtk/dcmdata/dctk.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <string>
+
+#include "workstation/dicom/Attributes.h"
+
+namespace workstation {
+namespace {
+
+/// One colour of a palette, 0 .. 255 (PS3.3 C.7.6.3.1.5, C.7.6.3.1.6).
+struct PaletteChannel {
+  std::int32_t firstValue = 0;
+  std::vector<std::uint8_t> entries;
+
+  std::int32_t at(std::int32_t value) const {
+    const std::int64_t last = static_cast<std::int64_t>(entries.size()) - 1;
+    const std::int64_t index = std::clamp<std::int64_t>(std::int64_t{value} - firstValue, 0, last);
+    return entries[static_cast<std::size_t>(index)];
+  }
+};
+
+/// The table's bytes in this machine's order: words for OW and US, as they stand for OB and UN.
+std::vector<std::uint16_t> tableWords(DcmElement& element, std::size_t entries) {
+  std::vector<std::uint16_t> words;
+  const Uint16* pointer = nullptr;
+  Uint16* wordPointer = nullptr;
+  if (element.getUint16Array(wordPointer).good()) pointer = wordPointer;
+  const std::size_t count = element.getLength() / 2;
+  if (pointer == nullptr) return words;
+  if (count >= entries) return {pointer, pointer + entries};
+  if (element.getLength() >= entries)  // two 8-bit entries a word
+    for (std::size_t i = 0; i < entries; ++i)
+      words.push_back(static_cast<std::uint16_t>((pointer[i / 2] >> (i % 2 == 0 ? 0 : 8)) & 0xff));
+  return words;
+}
+
+bool readChannel(DcmItem& dataset, const DcmTagKey& descriptorTag, const DcmTagKey& dataTag, PaletteChannel& channel,
+                 std::string& problem) {
+  const std::vector<double> descriptor = Attributes(dataset).numbers(descriptorTag).value_or(std::vector<double>());
+  DcmElement* data = nullptr;
+  if (descriptor.size() != 3 || dataset.findAndGetElement(dataTag, data).bad() || data == nullptr) {
+    problem = "its palette is missing or segmented";
+    return false;
+  }
+  const auto count = static_cast<std::size_t>(static_cast<std::uint16_t>(static_cast<std::int32_t>(descriptor[0])));
+  const std::size_t entries = count == 0 ? 65536 : count;
+  channel.firstValue = static_cast<std::int32_t>(descriptor[1]);
+  const std::vector<std::uint16_t> words = tableWords(*data, entries);
+  if (words.size() != entries) {
+    problem = "its palette is shorter than it says";
+    return false;
+  }
+  // Some writers declare 16 bits and fill in 8; then nothing would be visible.
+  const bool isWide =
+      descriptor[2] > 8 && std::any_of(words.begin(), words.end(), [](auto word) { return word > 255; });
+  for (const std::uint16_t word : words)
+    channel.entries.push_back(static_cast<std::uint8_t>(isWide ? word >> 8 : word));
+  return true;
+}
+
+std::uint32_t rawSample(const std::uint8_t* bytes, int width) {
+  if (width == 1) return *bytes;
+  std::uint16_t word = 0;
+  std::memcpy(&word, bytes, sizeof word);
+  return word;
+}
+
+/// Where a sample of a pixel lies in the frame, counted in samples.
+std::size_t positionOf(std::size_t pixel, std::size_t sample, std::size_t pixels, const FrameBytes& frame,
+                       std::size_t samplesPerPixel) {
+  if (frame.isSubsampled) return pixel / 2 * 4 + (sample == 0 ? pixel % 2 : 1 + sample);
+  return frame.byPlane ? sample * pixels + pixel : pixel * samplesPerPixel + sample;
+}
+
+}  // namespace
+
+std::vector<std::int32_t> unpackSamples(const FrameBytes& frame, const ImageLayout& layout) {
+  const std::size_t pixels = static_cast<std::size_t>(layout.rows) * static_cast<std::size_t>(layout.columns);
+  const auto perPixel = static_cast<std::size_t>(layout.samplesPerPixel);
+  const int shift = layout.highBit + 1 - layout.bitsStored;
+  const std::uint32_t mask = (1U << layout.bitsStored) - 1;
+  const std::uint32_t signBit = layout.isSigned ? 1U << (layout.bitsStored - 1) : 0;
+  const auto width = static_cast<std::size_t>(layout.bytesPerSample());
+  std::vector<std::int32_t> samples;
+  samples.reserve(pixels * perPixel);
+  for (std::size_t pixel = 0; pixel < pixels; ++pixel) {
+    for (std::size_t sample = 0; sample < perPixel; ++sample) {
+      const std::size_t at = positionOf(pixel, sample, pixels, frame, perPixel) * width;
+      const std::uint32_t stored = (rawSample(frame.bytes.data() + at, layout.bytesPerSample()) >> shift) & mask;
+      samples.push_back(static_cast<std::int32_t>(stored ^ signBit) - static_cast<std::int32_t>(signBit));
+    }
+  }
+  return samples;
+}
+
+void convertYbrToRgb(std::vector<std::int32_t>& samples) {
+  const auto clamped = [](double value) { return std::clamp(static_cast<std::int32_t>(std::lround(value)), 0, 255); };
+  for (std::size_t i = 0; i + 2 < samples.size(); i += 3) {
+    const double luminance = samples[i];
+    const double blueDifference = samples[i + 1] - 128;
+    const double redDifference = samples[i + 2] - 128;
+    samples[i] = clamped(luminance + 1.402 * redDifference);
+    samples[i + 1] = clamped(luminance - 0.344136 * blueDifference - 0.714136 * redDifference);
+    samples[i + 2] = clamped(luminance + 1.772 * blueDifference);
+  }
+}
+
+bool applyPalette(DcmItem& dataset, std::vector<std::int32_t>& samples, std::string& problem) {
+  std::array<PaletteChannel, 3> channels;
+  const bool isRead = readChannel(dataset, DCM_RedPaletteColorLookupTableDescriptor, DCM_RedPaletteColorLookupTableData,
+                                  channels[0], problem) &&
+                      readChannel(dataset, DCM_GreenPaletteColorLookupTableDescriptor,
+                                  DCM_GreenPaletteColorLookupTableData, channels[1], problem) &&
+                      readChannel(dataset, DCM_BluePaletteColorLookupTableDescriptor,
+                                  DCM_BluePaletteColorLookupTableData, channels[2], problem);
+  if (!isRead) return false;
+  std::vector<std::int32_t> coloured;
+  coloured.reserve(samples.size() * 3);
+  for (const std::int32_t value : samples)
+    for (const PaletteChannel& channel : channels) coloured.push_back(channel.at(value));
+  samples = std::move(coloured);
+  return true;
+}
+
+}  // namespace workstation
