@@ -1,0 +1,165 @@
+#include "cli/Arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <cstdlib>
+
+namespace cli {
+
+namespace {
+
+const std::map<std::string, int> regionsByName{{"cervical", 0}, {"thoracic", 1}, {"lumbar", 2}};
+
+/// What CLI11 fills in before it is checked any further.
+struct RawArguments {
+  DemoArguments demo;
+  PhantomArguments phantom;
+  InfoArguments info;
+  LabelArguments label;
+  std::string phantomRegion;
+  std::string labelRegion;
+  std::string line;
+  std::string polygon;
+};
+
+std::string checkRegion(const std::string& name) {
+  return regionsByName.contains(name) ? "" : "'" + name + "' is no region: give cervical, thoracic or lumbar";
+}
+
+CLI::App* addDemo(CLI::App& app, RawArguments& raw) {
+  auto* demo = app.add_subcommand("demo", "Make a phantom study, label it, and tell what came out");
+  demo->add_option("--out", raw.demo.outDir, "Folder for the phantom (new or empty; default: a temporary one)")
+      ->type_name("DIR");
+  demo->footer("Example:\n  vertana demo");
+  return demo;
+}
+
+CLI::App* addPhantom(CLI::App& app, RawArguments& raw) {
+  auto* phantom = app.add_subcommand("phantom", "Write a synthetic spine study with known truth");
+  phantom->add_option("--region", raw.phantomRegion, "cervical, thoracic or lumbar")
+      ->required()
+      ->type_name("REGION")
+      ->check(checkRegion);
+  phantom->add_option("--out", raw.phantom.outDir, "Folder to write to (new or empty)")->required()->type_name("DIR");
+  phantom->add_option("--seed", raw.phantom.seed, "Another number, another patient (default 1)")->type_name("N");
+  phantom->add_flag("--extra-vertebra", raw.phantom.extraVertebra, "One more vertebra: C8, T13 or L6");
+  phantom->add_flag("--angled-axials", raw.phantom.angledAxials, "Also axial blocks tilted to the discs");
+  phantom->add_flag("--ct", raw.phantom.ct, "A CT with 512 thin axial slices instead of an MR");
+  phantom->footer("Example:\n  vertana phantom --region lumbar --angled-axials --out /tmp/spine");
+  return phantom;
+}
+
+CLI::App* addInfo(CLI::App& app, RawArguments& raw) {
+  auto* info = app.add_subcommand("info", "List the series of a study, its region, and files that cannot be used");
+  info->add_option("STUDY", raw.info.study, "Folder of DICOM files")->required();
+  info->add_flag("--json", raw.info.json, "Print JSON for programs");
+  info->footer("Example:\n  vertana info /tmp/spine");
+  return info;
+}
+
+CLI::App* addLabel(CLI::App& app, RawArguments& raw) {
+  auto* label = app.add_subcommand("label", "Draw along the spine and name every axial slice");
+  label->add_option("STUDY", raw.label.study, "Folder of DICOM files")->required();
+  auto* line =
+      label->add_option("--line", raw.line, "Length line, in pixels of the vertical slice")->type_name("X0,Y0,X1,Y1");
+  label->add_option("--polygon", raw.polygon, "Open polygon through the discs, in pixels")
+      ->type_name("X0,Y0,X1,Y1,...")
+      ->excludes(line);
+  label->add_option("--series", raw.label.series, "Series Number of the series to draw on")->type_name("N");
+  label->add_option("--slice", raw.label.slice, "Slice to draw on, from 0 (default: the middle one)")->type_name("K");
+  label->add_option("--region", raw.labelRegion, "cervical, thoracic or lumbar (default: guessed)")
+      ->type_name("REGION")
+      ->check(checkRegion);
+  label->add_flag("--extra-vertebra", raw.label.extraVertebra, "The region has one more vertebra: C8, T13 or L6");
+  label->add_flag("--json", raw.label.json, "Print JSON for programs");
+  label->footer("Example:\n  vertana label /tmp/spine --line 165,35,160,275");
+  return label;
+}
+
+Expected<Arguments> labelArguments(RawArguments& raw) {
+  auto& label = raw.label;
+  if (raw.line.empty() && raw.polygon.empty()) {
+    return Failure{ExitUsage, "label needs --line X0,Y0,X1,Y1 or --polygon X0,Y0,X1,Y1,...: nothing was drawn."};
+  }
+  label.polygon = !raw.polygon.empty();
+  const std::string option = label.polygon ? "--polygon" : "--line";
+  auto points = parsePoints(label.polygon ? raw.polygon : raw.line, option);
+  if (!points) return points.failure;
+  label.points = std::move(*points);
+  if (!label.polygon && label.points.size() != 2) {
+    return Failure{ExitUsage, "--line needs four numbers, X0,Y0,X1,Y1: " + raw.line + " has " +
+                                  std::to_string(label.points.size() * 2) + "."};
+  }
+  if (!raw.labelRegion.empty()) label.region = regionsByName.at(raw.labelRegion);
+  return Arguments(label);
+}
+
+std::string firstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
+
+}  // namespace
+
+std::string regionName(int region) {
+  for (const auto& [name, number] : regionsByName) {
+    if (number == region) return name;
+  }
+  return "none";
+}
+
+Expected<std::vector<pelmar::PixelPoint>> parsePoints(const std::string& text, const std::string& option) {
+  std::vector<double> numbers;
+  std::size_t start = 0;
+  while (start <= text.size()) {
+    const auto comma = std::min(text.find(',', start), text.size());
+    const auto word = text.substr(start, comma - start);
+    char* end = nullptr;
+    const double number = std::strtod(word.c_str(), &end);
+    if (word.empty() || *end != '\0' || !std::isfinite(number)) {
+      return Failure{ExitUsage,
+                     option + " takes numbers with commas between them, X0,Y0,X1,Y1: '" + word + "' is not a number."};
+    }
+    numbers.push_back(number);
+    start = comma + 1;
+  }
+  if (numbers.size() % 2 != 0 || numbers.size() < 4) {
+    return Failure{ExitUsage, option + " takes pairs of numbers, at least two pairs, X0,Y0,X1,Y1: " +
+                                  std::to_string(numbers.size()) + " numbers were given."};
+  }
+  std::vector<pelmar::PixelPoint> points;
+  for (std::size_t i = 0; i < numbers.size(); i += 2) points.push_back({numbers[i], numbers[i + 1]});
+  return points;
+}
+
+Expected<Arguments> parseArguments(int argc, const char* const* argv) {
+  CLI::App app(
+      "Spine labelling for DICOM studies: draw one line along the spine, and every axial slice gets its level.",
+      "vertana");
+  app.set_version_flag("--version", std::string("vertana ") + VERTANA_VERSION);
+  app.require_subcommand(1);
+  app.footer(
+      "Exit status: 0 done, 1 the study or drawing does not allow it, 2 wrong usage, 3 input unreadable.\n"
+      "Example:\n  vertana demo");
+  RawArguments raw;
+  const auto* demo = addDemo(app, raw);
+  const auto* phantom = addPhantom(app, raw);
+  const auto* info = addInfo(app, raw);
+  const auto* label = addLabel(app, raw);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForVersion&) {
+    return Arguments(TextToPrint{app.version() + "\n"});
+  } catch (const CLI::CallForHelp&) {
+    return Arguments(TextToPrint{app.help()});
+  } catch (const CLI::ParseError& error) {
+    return Failure{ExitUsage, firstLine(error.what()) + " (vertana --help tells the usage)"};
+  }
+  if (demo->parsed()) return Arguments(raw.demo);
+  if (phantom->parsed()) {
+    raw.phantom.region = regionsByName.at(raw.phantomRegion);
+    return Arguments(raw.phantom);
+  }
+  if (info->parsed()) return Arguments(raw.info);
+  if (label->parsed()) return labelArguments(raw);
+  return Failure{ExitUsage, "No command was given (vertana --help tells the usage)"};
+}
+
+}  // namespace cli

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "cli/ExitStatus.h"
+#include "host/Geometry.h"
+
+namespace cli {
+
+struct DemoArguments {
+  std::string outDir;  ///< empty: a folder of its own under the system's temporary folder
+};
+
+struct PhantomArguments {
+  int region = 2;
+  std::string outDir;
+  std::uint64_t seed = 1;
+  bool extraVertebra = false;
+  bool angledAxials = false;
+  bool ct = false;
+};
+
+struct InfoArguments {
+  std::string study;
+  bool json = false;
+};
+
+struct LabelArguments {
+  std::string study;
+  bool polygon = false;                    ///< otherwise a line
+  std::vector<pelmar::PixelPoint> points;  ///< two of a line, at least two of a polygon
+  std::optional<int> series;               ///< Series Number of the vertical series
+  std::optional<int> slice;                ///< from 0
+  std::optional<int> region;               ///< 0 cervical, 1 thoracic, 2 lumbar
+  bool extraVertebra = false;
+  bool json = false;
+};
+
+/// Help or version was asked for: print the text and be done.
+struct TextToPrint {
+  std::string text;
+};
+
+using Arguments = std::variant<TextToPrint, DemoArguments, PhantomArguments, InfoArguments, LabelArguments>;
+
+/// Reads the command line; what is wrong with it is a Failure with ExitUsage.
+Expected<Arguments> parseArguments(int argc, const char* const* argv);
+
+/// Points written as X0,Y0,X1,Y1,...; a Failure names `option`.
+Expected<std::vector<pelmar::PixelPoint>> parsePoints(const std::string& text, const std::string& option);
+
+/// "cervical", "thoracic", "lumbar"; "none" for any other number.
+std::string regionName(int region);
+
+}  // namespace cli

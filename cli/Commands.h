@@ -1,0 +1,16 @@
+#pragma once
+// One function a subcommand; each returns the exit status.
+
+#include "cli/Arguments.h"
+
+namespace cli {
+
+int runDemo(const DemoArguments& arguments);
+int runPhantom(const PhantomArguments& arguments);
+int runInfo(const InfoArguments& arguments);
+int runLabel(const LabelArguments& arguments);
+
+/// Parses and runs; the whole program.
+int run(int argc, const char* const* argv);
+
+}  // namespace cli

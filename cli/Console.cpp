@@ -1,0 +1,39 @@
+#include "cli/Console.h"
+
+#include <unistd.h>
+
+#include <csignal>
+#include <iostream>
+
+namespace cli {
+
+namespace {
+
+volatile std::sig_atomic_t interruptSeen = 0;
+
+void rememberInterrupt(int) { interruptSeen = 1; }
+
+}  // namespace
+
+void printMessage(const std::string& sentence) { std::cerr << "vertana: " << sentence << '\n'; }
+
+void catchInterrupts() { std::signal(SIGINT, rememberInterrupt); }
+
+bool interrupted() { return interruptSeen != 0; }
+
+ProgressLine::ProgressLine(std::string what) : what_(std::move(what)), terminal_(isatty(STDERR_FILENO) == 1) {}
+
+ProgressLine::~ProgressLine() {
+  if (terminal_ && lastPercent_ <= 100) std::cerr << "\r\033[K" << std::flush;
+}
+
+bool ProgressLine::show(std::size_t done, std::size_t total) {
+  const std::size_t percent = total == 0 ? 100 : done * 100 / total;
+  if (terminal_ && percent != lastPercent_) {
+    lastPercent_ = percent;
+    std::cerr << '\r' << what_ << ' ' << percent << " % (" << done << " of " << total << ")\033[K" << std::flush;
+  }
+  return !interrupted();
+}
+
+}  // namespace cli

@@ -1,0 +1,32 @@
+#pragma once
+// Talking to the person at the terminal: messages and progress on standard error, and the interrupt key.
+
+#include <cstddef>
+#include <string>
+
+namespace cli {
+
+/// Prints one message line on standard error, after the program's name.
+void printMessage(const std::string& sentence);
+
+/// Catches the interrupt key: long work asks interrupted() and stops at the next step.
+void catchInterrupts();
+bool interrupted();
+
+/// A progress line on standard error, only where that is a terminal; cleared when it goes.
+class ProgressLine {
+ public:
+  explicit ProgressLine(std::string what);
+  ~ProgressLine();
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
+  /// Returns false when the person has interrupted the work.
+  bool show(std::size_t done, std::size_t total);
+
+ private:
+  std::string what_;
+  bool terminal_;
+  std::size_t lastPercent_ = 101;
+};
+
+}  // namespace cli

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include "host/Value.h"
+
+namespace cli {
+
+/// Property values as JSON: objects of the host, which have no JSON form, become null.
+nlohmann::ordered_json jsonFromValue(const pelmar::Value& value);
+pelmar::Value valueFromJson(const nlohmann::json& json);
+
+}  // namespace cli

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <filesystem>
+
+#include "workstation/model/Seams.h"
+
+namespace cli {
+
+/// The person's defaults, in vertana/defaults.json below XDG_CONFIG_HOME (or ~/.config). Everything there is read;
+/// of what changes, only the terms learnt from study descriptions are written, since a batch must not change how the
+/// person draws. A file that cannot be read or written is reported once and otherwise taken as empty.
+class PersonDefaults final : public workstation::DefaultsStore {
+ public:
+  PersonDefaults();
+  explicit PersonDefaults(std::filesystem::path file) : file_(std::move(file)) {}
+
+  pelmar::Value::Dictionary load() override;
+  void save(const pelmar::Value::Dictionary& defaults) override;
+
+ private:
+  std::filesystem::path file_;
+  pelmar::Value::Dictionary stored_;
+  bool readable_ = true;
+};
+
+}  // namespace cli

@@ -1,0 +1,45 @@
+#include <exception>
+#include <iostream>
+
+#include "cli/Commands.h"
+#include "cli/Console.h"
+
+namespace cli {
+
+namespace {
+
+int dispatch(const Arguments& arguments) {
+  if (const auto* text = std::get_if<TextToPrint>(&arguments)) {
+    std::cout << text->text;
+    return ExitDone;
+  }
+  if (const auto* demo = std::get_if<DemoArguments>(&arguments)) return runDemo(*demo);
+  if (const auto* phantom = std::get_if<PhantomArguments>(&arguments)) return runPhantom(*phantom);
+  if (const auto* info = std::get_if<InfoArguments>(&arguments)) return runInfo(*info);
+  return runLabel(std::get<LabelArguments>(arguments));
+}
+
+}  // namespace
+
+int run(int argc, const char* const* argv) {
+  catchInterrupts();
+  try {
+    const auto arguments = parseArguments(argc, argv);
+    if (!arguments) {
+      printMessage(arguments.failure.sentence);
+      return arguments.failure.status;
+    }
+    const int status = dispatch(*arguments);
+    std::cout.flush();
+    if (!std::cout) {
+      printMessage("The result could not be written to standard output.");
+      return ExitNotAllowed;
+    }
+    return status;
+  } catch (const std::exception& error) {
+    printMessage(std::string("Something went wrong that should not: ") + error.what());
+    return ExitNotAllowed;
+  }
+}
+
+}  // namespace cli
