@@ -52,13 +52,13 @@ struct ImageRecord {
 struct PixelData {
   int rows = 0;
   int columns = 0;
-  int samplesPerPixel = 1;                ///< 1: stored values, or 3: red, green, blue interleaved, 0..255 (or 0..65535)
-  std::vector<std::int32_t> samples;      ///< rows * columns * samplesPerPixel, row by row
-  double rescaleSlope = 1;                ///< PS3.3 C.11.1; modality value = slope * stored + intercept
+  int samplesPerPixel = 1;            ///< 1: stored values, or 3: red, green, blue interleaved, 0..255 (or 0..65535)
+  std::vector<std::int32_t> samples;  ///< rows * columns * samplesPerPixel, row by row
+  double rescaleSlope = 1;            ///< PS3.3 C.11.1; modality value = slope * stored + intercept
   double rescaleIntercept = 0;
-  std::optional<double> windowCentre;     ///< the first of the file's windows, in modality values
+  std::optional<double> windowCentre;  ///< the first of the file's windows, in modality values
   std::optional<double> windowWidth;
-  bool monochrome1 = false;               ///< low values are shown bright
+  bool monochrome1 = false;  ///< low values are shown bright
 };
 
 /// Reads pixels when they are asked for.

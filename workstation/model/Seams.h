@@ -29,6 +29,8 @@ class StudyReports {
   /// The database window; may be nil.
   virtual pelmar::Ref<pelmar::BrowserController> currentBrowser() = 0;
   virtual pelmar::SRAnnotationClass& srAnnotationClass() = 0;
+  /// The store that holds the study; may be nil.
+  virtual pelmar::Ref<pelmar::PersistentStore> persistentStore(const std::string& studyUid) = 0;
   /// The series of structured reports of a study, in the host's order.
   virtual std::vector<pelmar::Ref<pelmar::DicomSeries>> reportSeries(const std::string& studyUid) = 0;
   /// The report with that series number and description that counts; nil when there is none.
@@ -40,9 +42,9 @@ class StudyReports {
 struct Alert {
   enum class Kind { modal, critical };
   Kind kind = Kind::modal;
-  std::string title;            ///< of a critical alert; empty for a modal one
-  std::string message;          ///< plain text
-  std::string informativeText;  ///< of a modal alert
+  std::string title;                 ///< of a critical alert; empty for a modal one
+  std::string message;               ///< plain text
+  std::string informativeText;       ///< of a modal alert
   std::vector<std::string> buttons;  ///< titles, the default one first; no empty ones
 };
 
@@ -51,10 +53,10 @@ struct Alert {
 struct Listeners {
   std::function<void(const Alert&)> showAlert;
   std::function<void(const std::string& address)> openAddress;
-  std::function<void()> activate;                                    ///< bring the application to the front
-  std::function<void()> paletteChanged;                              ///< opened, moved, shown or closed
-  std::function<void(const std::string& key)> paletteValueChanged;   ///< a bound property changed by itself
-  std::function<void()> eventFinished;                               ///< redraw what asked for it
+  std::function<void()> activate;                                   ///< bring the application to the front
+  std::function<void()> paletteChanged;                             ///< opened, moved, shown or closed
+  std::function<void(const std::string& key)> paletteValueChanged;  ///< a bound property changed by itself
+  std::function<void()> eventFinished;                              ///< redraw what asked for it
 };
 
 }  // namespace workstation

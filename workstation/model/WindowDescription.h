@@ -15,23 +15,23 @@ struct WindowChoice {
 struct WindowControl {
   enum class Kind {
     button,    ///< runs `action`
-    checkbox,  ///< shows and sets the truth value under `key`
-    choice,    ///< shows and sets the number under `key`, one of `choices`
-    label,     ///< only shows `title`
+    checkbox,  ///< shows and sets the truth value of `property`
+    choice,    ///< shows and sets the number of `property`, one of `choices`
+    label,     ///< only shows its label
   };
   Kind kind = Kind::label;
-  std::string title;
-  std::string toolTip;
-  std::string action;  ///< of a button, for example "reset:"
-  std::string key;     ///< of a checkbox or choice: the property that it is bound to
+  std::string label;
+  std::string action;    ///< of a button, for example "reset:"
+  std::string property;  ///< of a checkbox or choice: what it is bound to
   std::vector<WindowChoice> choices;
+  bool discardsLabelling = false;  ///< using it throws a labelling away: a window asks the person first
 };
 
 /// What a plug-in's bundle says of a window: enough to lay one out with any toolkit.
 struct WindowDescription {
-  std::string name;               ///< under which the plug-in asks for it
+  std::string name;  ///< under which the plug-in asks for it
   std::string title;
-  double width = 240;             ///< points, of the whole frame
+  double width = 240;  ///< points, of the whole frame
   double height = 320;
   std::string frameAutosaveName;  ///< under which its place is to be remembered; may be empty
   std::vector<WindowControl> controls;

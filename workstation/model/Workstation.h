@@ -69,7 +69,7 @@ struct ViewerInfo {
   double rotationDegrees = 0;   ///< clockwise, 0 <= degrees < 360
   bool flippedHorizontally = false;
   bool flippedVertically = false;
-  bool needsDisplay = false;    ///< someone asked for a redraw since markDisplayed
+  bool needsDisplay = false;  ///< someone asked for a redraw since markDisplayed
 };
 
 /// An annotation in a viewer.

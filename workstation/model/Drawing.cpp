@@ -1,0 +1,179 @@
+#include "workstation/model/Drawing.h"
+
+#include <cmath>
+
+#include "workstation/model/Host.h"
+#include "workstation/model/View.h"
+
+namespace workstation {
+namespace {
+
+using pelmar::MyPoint;
+using pelmar::PixelPoint;
+using pelmar::Ref;
+using pelmar::ROI;
+
+/// How near the pointer must be to a vertex to take hold of it, in points of the view.
+constexpr double reachPoints = 8;
+
+/// The annotation if it still stands somewhere.
+std::shared_ptr<Roi> living(const std::weak_ptr<Roi>& roi) {
+  std::shared_ptr<Roi> object = roi.lock();
+  return object && object->standsInAnyList() ? object : nullptr;
+}
+
+}  // namespace
+
+void Drawing::press(PixelPoint at) {
+  if (!drawn()) {
+    const Grip grip = vertexWithinReach(at);
+    if (grip.roi) {
+      pressVertex(grip.roi, grip.vertex, at);
+      return;
+    }
+  }
+  pressToDraw(at);
+}
+
+std::shared_ptr<Roi> Drawing::pressToDraw(PixelPoint at) {
+  pointer_ = at;
+  if (const auto polygon = drawn()) {
+    // A press while a line is being drawn is a release that was lost on its way.
+    if (polygon->type() == pelmar::ROITypeOpenPolygon) addVertex(polygon, at);
+    return polygon;
+  }
+  const long tool = view_.drawsWithLeftButton() ? view_.annotationTool() : 0;
+  return tool == pelmar::ROIToolTagLength || tool == pelmar::ROIToolTagOpenPolygon ? begin(at, tool) : nullptr;
+}
+
+std::shared_ptr<Roi> Drawing::begin(PixelPoint at, long type) {
+  const auto roi = view_.host().roiClassObject().drawnRoi(type, Ref<pelmar::DCMView>(view_.shared_from_this()));
+  roi->setROIMode(pelmar::ROIModeDrawing);
+  drawn_ = roi;
+  pressed_ = roi;
+  const bool line = type == pelmar::ROITypeLength;
+  roi->setPoints(std::vector<MyPoint>(line ? 2 : 1, MyPoint::point(at)));
+  view_.lists().list(static_cast<std::size_t>(view_.curImage())).addObject(Ref<ROI>(roi));
+  postAdded(roi);
+  if (!line) postChanged(roi, false);
+  return roi;
+}
+
+void Drawing::addVertex(const std::shared_ptr<Roi>& roi, PixelPoint at) {
+  pressed_ = roi;
+  roi->points()->addObject(MyPoint::point(at));
+  postChanged(roi, false);
+}
+
+void Drawing::pressVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, PixelPoint at) {
+  pointer_ = at;
+  const PixelPoint position = roi->pointAtIndex(static_cast<long>(vertex));
+  grabOffset_ = {position.x - at.x, position.y - at.y};
+  vertex_ = vertex;
+  dragged_ = roi;
+  pressed_ = roi;
+  roi->setROIMode(pelmar::ROIModeEditing);
+}
+
+void Drawing::setVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, PixelPoint at) {
+  auto points = ref_cast<pelmar::VectorList<MyPoint>>(roi->points());
+  auto& elements = points.shared()->elements();
+  if (vertex < elements.size()) elements[vertex] = MyPoint::point(at);
+}
+
+void Drawing::move(PixelPoint at) {
+  pointer_ = at;
+  const auto pressed = living(pressed_);
+  if (!pressed) return;
+  if (living(dragged_)) {
+    setVertex(pressed, vertex_, {at.x + grabOffset_.x, at.y + grabOffset_.y});
+    postChanged(pressed, false);
+  } else if (drawn() == pressed && pressed->type() == pelmar::ROITypeLength) {
+    setVertex(pressed, 1, at);
+    postChanged(pressed, false);
+  }
+}
+
+void Drawing::release(PixelPoint at) {
+  pointer_ = at;
+  const auto pressed = living(pressed_);
+  pressed_.reset();
+  if (!pressed) return;
+  if (living(dragged_)) {
+    setVertex(pressed, vertex_, {at.x + grabOffset_.x, at.y + grabOffset_.y});
+    pressed->setROIMode(pelmar::ROIModeSelected);
+    dragged_.reset();
+  } else if (drawn() == pressed && pressed->type() == pelmar::ROITypeLength) {
+    setVertex(pressed, 1, at);
+    pressed->setROIMode(pelmar::ROIModeSelected);
+    drawn_.reset();
+  }
+  postChanged(pressed, true);
+}
+
+void Drawing::finishPolygon() {
+  const auto polygon = drawn();
+  if (!polygon || polygon->type() != pelmar::ROITypeOpenPolygon) return;
+  polygon->setROIMode(pelmar::ROIModeSelected);
+  drawn_.reset();
+  pressed_.reset();
+  postChanged(polygon, true);
+}
+
+void Drawing::stop() {
+  for (std::weak_ptr<Roi>* current : {&drawn_, &dragged_}) {
+    if (const auto roi = living(*current)) roi->setROIMode(pelmar::ROIModeSelected);
+    current->reset();
+  }
+}
+
+void Drawing::endForTool() {
+  const auto roi = drawn();
+  stop();
+  if (roi && roi->distinctPoints() < 2) view_.host().roiClass().deleteROI(Ref<ROI>(roi));
+}
+
+void Drawing::forget() {
+  stop();
+  pressed_.reset();
+}
+
+std::shared_ptr<Roi> Drawing::drawn() const {
+  auto roi = living(drawn_);
+  return roi && roi->ROImode() == pelmar::ROIModeDrawing ? roi : nullptr;
+}
+
+Drawing::Grip Drawing::vertexWithinReach(PixelPoint at) const {
+  const pelmar::ViewPoint pointer = view_.ConvertFromGL2NSView(at);
+  Grip best;
+  double bestDistance = reachPoints;
+  for (const Ref<ROI>& entry : view_.lists().list(static_cast<std::size_t>(view_.curImage())).entries()) {
+    if (entry->ROImode() != pelmar::ROIModeSelected) continue;
+    const auto points = entry->points();
+    for (std::size_t index = 0; index < points->count(); ++index) {
+      const pelmar::ViewPoint vertex = view_.ConvertFromGL2NSView(points->objectAtIndex(index).point());
+      const double distance = std::hypot(vertex.x - pointer.x, vertex.y - pointer.y);
+      // Of equally near ones the one that is painted last, on top of the others, is taken.
+      if (distance > bestDistance) continue;
+      bestDistance = distance;
+      best = {std::static_pointer_cast<Roi>(entry.shared()), index};
+    }
+  }
+  return best;
+}
+
+void Drawing::postAdded(const std::shared_ptr<Roi>& roi) {
+  view_.host().defaultCenter().postNotification(
+      {std::string(pelmar::PelmarAddROINotification), Ref<ROI>(roi), std::nullopt});
+}
+
+void Drawing::postChanged(const std::shared_ptr<Roi>& roi, bool mouseUp) {
+  // The plug-in may have deleted it in answer to the posting before.
+  if (!roi->standsInAnyList()) return;
+  std::optional<pelmar::Value::Dictionary> userInfo;
+  if (mouseUp) userInfo.emplace().emplace("action", "mouseUp");
+  view_.host().defaultCenter().postNotification(
+      {std::string(pelmar::PelmarROIChangeNotification), Ref<ROI>(roi), std::move(userInfo)});
+}
+
+}  // namespace workstation

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <memory>
+
+#include "host/Geometry.h"
+
+namespace workstation {
+
+class Roi;
+class View;
+
+/// What the left button and the keys do to the annotations of one view. Positions are pixels of the shown slice.
+///
+/// A line lives from press to release, a polygon over many clicks until a double click, Return, a choice of tool or
+/// stop(). The plug-in hears of every step and may do anything to the annotation meanwhile, so that after each
+/// notification the annotation is looked at anew.
+class Drawing {
+ public:
+  explicit Drawing(View& view) : view_(view) {}
+
+  /// Goes on with a polygon, or drags a vertex of a selected annotation within reach, or begins an annotation when
+  /// the left button draws.
+  void press(pelmar::PixelPoint at);
+  /// The same without a look for vertices. Answers what was begun or gone on with, which may be gone by then; null
+  /// when the left button does not draw.
+  std::shared_ptr<Roi> pressToDraw(pelmar::PixelPoint at);
+  /// Takes hold of a vertex.
+  void pressVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, pelmar::PixelPoint at);
+  void move(pelmar::PixelPoint at);
+  void release(pelmar::PixelPoint at);
+  /// Ends the polygon that is being drawn, as a double click and Return do.
+  void finishPolygon();
+  /// Ends drawing and dragging without a notification.
+  void stop();
+  /// Ends drawing and dragging because a tool was chosen; deletes what has fewer than two distinct points.
+  void endForTool();
+  /// Forgets everything; the view shows something else or goes.
+  void forget();
+
+  /// What is being drawn; null when nothing is.
+  std::shared_ptr<Roi> drawn() const;
+  /// Where the pointer was last.
+  pelmar::PixelPoint pointer() const { return pointer_; }
+
+ private:
+  struct Grip {
+    std::shared_ptr<Roi> roi;
+    std::size_t vertex = 0;
+  };
+
+  Grip vertexWithinReach(pelmar::PixelPoint at) const;
+  std::shared_ptr<Roi> begin(pelmar::PixelPoint at, long type);
+  void addVertex(const std::shared_ptr<Roi>& roi, pelmar::PixelPoint at);
+  void setVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, pelmar::PixelPoint at);
+  void postAdded(const std::shared_ptr<Roi>& roi);
+  void postChanged(const std::shared_ptr<Roi>& roi, bool mouseUp);
+
+  View& view_;
+  std::weak_ptr<Roi> drawn_;       ///< in mode 1
+  std::weak_ptr<Roi> dragged_;     ///< in mode 3
+  std::weak_ptr<Roi> pressed_;     ///< what the button was pressed for; its release is told even if drawing has ended
+  std::size_t vertex_ = 0;         ///< of the dragged one
+  pelmar::PixelPoint grabOffset_;  ///< from the pointer to the dragged vertex
+  pelmar::PixelPoint pointer_;
+};
+
+}  // namespace workstation

@@ -1,0 +1,113 @@
+#include "workstation/model/Studies.h"
+
+#include "workstation/model/Workstation.h"
+
+namespace workstation {
+namespace {
+
+using pelmar::Ref;
+
+class StudyIdentity final : public pelmar::ObjectID {
+ public:
+  StudyIdentity(std::string studyUid, StudyReports* reports) : studyUid_(std::move(studyUid)), reports_(reports) {}
+
+  bool isEqual(const Ref<pelmar::ObjectID>& other) const override {
+    const auto identity = ref_cast<StudyIdentity>(other);
+    return identity.get() && identity.get()->studyUid_ == studyUid_;
+  }
+  Ref<pelmar::PersistentStore> persistentStore() const override {
+    return reports_ ? reports_->persistentStore(studyUid_) : Ref<pelmar::PersistentStore>();
+  }
+
+ private:
+  std::string studyUid_;
+  StudyReports* reports_;
+};
+
+class StoredImage final : public pelmar::DicomImage {
+ public:
+  explicit StoredImage(std::string path) : path_(std::move(path)) {}
+  std::optional<std::string> completePathResolved() const override { return path_; }
+
+ private:
+  std::string path_;
+};
+
+class StoredSeries final : public pelmar::DicomSeries {
+ public:
+  explicit StoredSeries(const Series& series) : uid_(series.uid), number_(series.number.value_or(0)) {
+    if (!series.description.empty()) name_ = series.description;
+    std::set<std::string> paths;  // one image a file, also where a file has many frames
+    for (const Stack& stack : series.stacks) {
+      for (const ImageRecord& slice : stack.slices) paths.insert(slice.file.string());
+    }
+    for (const std::string& path : paths) images_.push_back(pelmar::makeRef<StoredImage>(path));
+  }
+  std::optional<std::string> name() const override { return name_; }
+  long id() const override { return number_; }
+  std::optional<std::string> seriesDICOMUID() const override { return uid_; }
+  std::optional<std::vector<Ref<pelmar::DicomImage>>> images() const override { return images_; }
+
+ private:
+  std::string uid_;
+  long number_ = 0;
+  std::optional<std::string> name_;
+  std::vector<Ref<pelmar::DicomImage>> images_;
+};
+
+}  // namespace
+
+StudyObject::StudyObject(Study study, StudyReports* reports, const std::set<pelmar::Capability>& lacking)
+    : study_(std::make_shared<const Study>(std::move(study))),
+      reports_(reports),
+      lacking_(lacking),
+      identity_(pelmar::makeRef<StudyIdentity>(study_->uid, reports)) {
+  for (const Series& one : study_->series) series_.push_back(pelmar::makeRef<StoredSeries>(one));
+}
+
+std::shared_ptr<StudyObject::SliceList> StudyObject::slices(std::size_t seriesIndex, std::size_t stackIndex) {
+  std::shared_ptr<SliceList>& list = slices_[{seriesIndex, stackIndex}];
+  if (list) return list;
+  list = std::make_shared<SliceList>();
+  for (const ImageRecord& record : study_->series[seriesIndex].stacks[stackIndex].slices) {
+    // The record belongs to the study, which thus lives as long as any of its slices.
+    list->addObject(pelmar::makeRef<Pix>(std::shared_ptr<const ImageRecord>(study_, &record), lacking_));
+  }
+  return list;
+}
+
+std::optional<std::string> StudyObject::studyInstanceUID() const {
+  if (study_->uid.empty()) return std::nullopt;
+  return study_->uid;
+}
+
+std::optional<std::vector<Ref<pelmar::DicomSeries>>> StudyObject::PelmarSRSeries() const {
+  if (!reports_) return std::vector<Ref<pelmar::DicomSeries>>();
+  return reports_->reportSeries(study_->uid);
+}
+
+Ref<pelmar::DicomImage> StudyObject::SRImageWithSeriesID(long seriesID, std::string_view seriesDescription) const {
+  return reports_ ? reports_->report(study_->uid, seriesID, seriesDescription) : Ref<pelmar::DicomImage>();
+}
+
+AnnotationStash::Key AnnotationStash::keyOf(const StackId& stack) {
+  return {stack.studyUid, stack.series, stack.stack};
+}
+
+void AnnotationStash::keep(const StackId& stack, const SeriesRoiLists& lists) {
+  for (std::size_t slice = 0; slice < lists.count(); ++slice) {
+    for (const Ref<pelmar::ROI>& roi : lists.list(slice).entries()) {
+      if (ownRoi(roi)->drawnByPerson()) kept_[keyOf(stack)].push_back({slice, roi});
+    }
+  }
+}
+
+void AnnotationStash::giveBack(const StackId& stack, SeriesRoiLists& lists) {
+  const auto entries = kept_.extract(keyOf(stack));
+  if (entries.empty()) return;
+  for (const Entry& entry : entries.mapped()) {
+    if (!ownRoi(entry.roi)->deleted() && entry.slice < lists.count()) lists.list(entry.slice).addObject(entry.roi);
+  }
+}
+
+}  // namespace workstation
