@@ -188,9 +188,12 @@ bool writeImage(const ImageToWrite& image, const std::filesystem::path& file, st
     if (reason.empty()) {
       const OFCondition saved =
           format.saveFile(file.c_str(), EXS_LittleEndianExplicit, EET_ExplicitLength, EGL_recalcGL, EPD_withoutPadding);
-      if (saved.good()) return true;
-      reason = saved.text();
+      // The toolkit does not notice when the last buffered bytes of a file find the disk full.
       std::error_code ignored;
+      const std::uintmax_t wholeSize = format.calcElementLength(EXS_LittleEndianExplicit, EET_ExplicitLength);
+      const bool whole = std::filesystem::file_size(file, ignored) == wholeSize;
+      if (saved.good() && whole) return true;
+      reason = saved.good() ? "it was cut short, the disk may be full" : saved.text();
       std::filesystem::remove(file, ignored);
     }
   }
