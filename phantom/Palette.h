@@ -28,6 +28,8 @@ inline constexpr Material brain{430, 38};
 inline constexpr Material vessel{35, 48};
 inline constexpr Material lung{30, -830};
 inline constexpr Material bowel{460, 25};
+inline constexpr Material liver{230, 60};
+inline constexpr Material kidney{560, 35};
 }  // namespace material
 
 constexpr float mix(float a, float b, double t) { return a + static_cast<float>(t) * (b - a); }

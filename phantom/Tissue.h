@@ -32,6 +32,7 @@ class Tissue {
 
   Signal canal(const Place& place) const;
   Signal neural(const Place& place, double radius) const;
+  float neuralOrFluid(const Place& place) const;
   Signal skull(const Place& place) const;
   Signal atlasAndAxis(const Place& place) const;
   Signal column(const Place& place) const;

@@ -69,26 +69,24 @@ Tissue::Signal Tissue::skull(const Place& place) const {
   if (up > 0 && std::abs(left) < 14 && back < clivusBack && back > clivusBack - 8 - 0.25 * up) {
     return bone(place, std::min({clivusBack - back, back - (clivusBack - 8 - 0.25 * up), up, 14 - std::abs(left)}));
   }
-  const double fossa = std::sqrt(square(left / 62) + square((back - 30) / 52) + square((up - 34) / 35));
+  // The posterior fossa is rounded below and open above, to the brain.
+  const double fossa = std::sqrt(square(left / 62) + square((back - 30) / 52) + square(std::min(0.0, up - 34) / 35));
   if (up > 0 && fossa > 1.0 && fossa < 1.16 && back > 22) return bone(place, 35 * std::min(fossa - 1.0, 1.16 - fossa));
   if (fossa >= 1.0 || back < clivusBack) {
-    if (place.section.order < headLevels && back > clivusBack && up < 12 && std::abs(left) < 12 && back < 36) {
-      return material::fluid.signal(ct_);
-    }
-    return std::nullopt;
+    const bool magnum = up < 12 && std::abs(left) < 12 && back > clivusBack && back < 36;
+    return magnum && place.section.order < headLevels ? Signal(neuralOrFluid(place)) : std::nullopt;
   }
-  const double stemMiddle = 17 - 0.62 * up;
-  const double stemDepth = 5.5 + 7.5 * std::clamp((up - 14) / 18, 0.0, 1.0);
-  if (ellipse(left, 8 + 0.2 * std::max(0.0, up), back - stemMiddle, stemDepth) < 1) {
-    return material::brain.signal(ct_) * (ct_ ? 1.0F : 0.92F);
-  }
-  const double cerebellum = std::sqrt(square(left / 54) + square((back - 44) / 30) + square((up - 34) / 26));
-  if (cerebellum < 1) {
+  const double stemMiddle = 14 - 0.66 * up;
+  const double stemDepth = 5.5 + 7.0 * std::clamp((up - 12) / 16, 0.0, 1.0);
+  if (ellipse(left, 8 + 0.2 * std::max(0.0, up), back - stemMiddle, stemDepth) < 1) return material::brain.signal(ct_);
+  if (fossa < 0.94 && up > 7 && back > stemMiddle + stemDepth + 3.5) {
     const bool fissure = !ct_ && texture({0.3 * left, back, up}, 3.2) > 0.42F;
-    return mix(material::brain.signal(ct_), material::fluid.signal(ct_), fissure ? 0.45 : 0.0);
+    return mix(material::brain.signal(ct_), material::fluid.signal(ct_), fissure ? 0.4 : 0.0);
   }
-  return material::fluid.signal(ct_);
+  return neuralOrFluid(place);
 }
+
+float Tissue::neuralOrFluid(const Place& place) const { return neural(place, 0).value_or(material::fluid.signal(ct_)); }
 
 Tissue::Signal Tissue::atlasAndAxis(const Place& place) const {
   const SpineLevel& level = shape_->levels()[2];
@@ -255,7 +253,7 @@ Tissue::Signal Tissue::foramen(const Place& place) const {
   const double wall = section.canalBack() + section.canalDepth;
   if (left < 9 && back > section.canalBack() && back < wall + 4.5) return material::ligament.signal(ct_);
   if (left < 3.5 && back >= wall + 4.5 && back < wall + section.spinousReach) {
-    return mix(material::ligament.signal(ct_), material::fat.signal(ct_), 0.45 + 0.3 * texture(place.patient, 4));
+    return mix(material::ligament.signal(ct_), material::fat.signal(ct_), 0.7 + 0.3 * texture(place.patient, 4));
   }
   return std::nullopt;
 }
