@@ -129,6 +129,7 @@ Ref<ROI> TestROIClass::roiWithType(long type, const Ref<DCMView>& inView) {
   record(&host_.calls, "roiWithType(" + text(static_cast<double>(type)) + ")");
   if (!makesROIs) return {};
   const auto roi = pelmar::makeRef<TestROI>(&host_.calls, type, inView);
+  roi->image = inView->curDCM();
   made.push_back(roi);
   return roi;
 }
