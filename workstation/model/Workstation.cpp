@@ -68,6 +68,10 @@ pelmar::Value Workstation::pluginState() const {
   return interior_->plugin ? interior_->plugin->filter().stateSnapshot() : pelmar::Value();
 }
 
+pelmar::Value Workstation::pluginAnswer(std::string_view question) const {
+  return interior_->plugin ? interior_->plugin->filter().valueForKey(question) : pelmar::Value();
+}
+
 // --- studies -------------------------------------------------------------------------------------------------------
 
 std::vector<std::string> Workstation::addImages(std::vector<ImageRecord> images) {

@@ -121,6 +121,8 @@ class Workstation {
   Outcome chooseMenu(int viewer, const std::string& title);
   /// The plug-in's state (PluginFilter::stateSnapshot); nil without a plug-in. Changes nothing.
   pelmar::Value pluginState() const;
+  /// The plug-in's answer to a named question (PluginFilter::valueForKey); nil without a plug-in. Changes nothing.
+  pelmar::Value pluginAnswer(std::string_view question) const;
 
   // --- studies -----------------------------------------------------------------------------------------------------
 
