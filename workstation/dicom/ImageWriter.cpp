@@ -86,7 +86,11 @@ void putSeries(const ImageToWrite& image, Attributes& attributes) {
   attributes.text(DCM_SeriesInstanceUID, image.seriesInstanceUid);
   attributes.integer(DCM_SeriesNumber, image.seriesNumber);
   attributes.text(DCM_SeriesDescription, image.seriesDescription);
-  if (image.bodyPartExamined) attributes.text(DCM_BodyPartExamined, *image.bodyPartExamined);
+  // Without a body part nobody can tell that it is none of a pair, and Laterality must be there (PS3.3 C.7.3.1).
+  if (image.bodyPartExamined)
+    attributes.text(DCM_BodyPartExamined, *image.bodyPartExamined);
+  else
+    attributes.text(DCM_Laterality, "");
   attributes.text(DCM_PatientPosition, image.patientPosition);
   attributes.text(DCM_Manufacturer, "Vertana");
   attributes.text(DCM_FrameOfReferenceUID, image.frameOfReferenceUid);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <ctime>
 
 #include "workstation/dicom/Toolkit.h"
 
@@ -21,16 +22,29 @@ constexpr std::uintptr_t stackForReading = 1 << 20;
 constexpr offile_off_t longestInflated = offile_off_t{1} << 30;
 
 const OFConditionConst nestedTooDeeply(OFM_dcmdata, 0x7001, OF_error, "its sequences are nested too deeply");
+const OFConditionConst takesTooLong(OFM_dcmdata, 0x7003, OF_error, "reading its structure takes unreasonably long");
 const OFConditionConst inflatesTooFar(OFM_dcmdata, 0x7002, OF_error, "its compressed data set is larger than 1 GB");
+
+/// How long the structure of one file may take: the toolkit sorts elements in quadratic time, and a small file can hold
+/// them in the worst order. The largest real files take less than a second.
+constexpr double secondsForReading = 5;
+
+/// Seconds that this thread has worked.
+double workedSeconds() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
 
 std::uintptr_t stackPosition() { return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)); }
 
-/// A file's bytes, until reading them has used up the stack or the size it is allowed.
+/// A file's bytes, until reading them has used up the stack, size or time it is allowed.
 class GuardedFileStream : public DcmInputFileStream {
  public:
   GuardedFileStream(const OFFilename& file, std::uintmax_t fileLength)
       : DcmInputFileStream(file),
         stackAtStart_(stackPosition()),
+        end_(workedSeconds() + secondsForReading),
         longest_(std::max(longestInflated, static_cast<offile_off_t>(fileLength))) {}
 
   OFBool good() const override { return stopped_.good() && DcmInputFileStream::good(); }
@@ -40,17 +54,23 @@ class GuardedFileStream : public DcmInputFileStream {
     const std::uintptr_t used = now > stackAtStart_ ? now - stackAtStart_ : stackAtStart_ - now;
     if (used > stackForReading) stopped_ = nestedTooDeeply;
     if (tell() > longest_) stopped_ = inflatesTooFar;
+    if (++reads_ % 1024 == 0 && workedSeconds() > end_) stopped_ = takesTooLong;
     return stopped_.good() ? DcmInputFileStream::read(buffer, length) : 0;
   }
 
+  /// Why reading was stopped, or EC_Normal.
+  const OFCondition& stopped() const { return stopped_; }
+
  private:
   std::uintptr_t stackAtStart_;
+  double end_;
+  std::uint64_t reads_ = 0;
   offile_off_t longest_;
   OFCondition stopped_ = EC_Normal;
 };
 
 std::string phraseFor(const OFCondition& outcome) {
-  if (outcome == nestedTooDeeply || outcome == inflatesTooFar) return outcome.text();
+  if (outcome == nestedTooDeeply || outcome == inflatesTooFar || outcome == takesTooLong) return outcome.text();
   if (outcome == EC_StreamNotifyClient || outcome == EC_EndOfStream || outcome == EC_InvalidStream)
     return "it is truncated or damaged: it ends in the middle of an element";
   return std::string("its structure is damaged (") + outcome.text() + ")";
@@ -75,7 +95,7 @@ bool ParsedFile::parse(const std::filesystem::path& file, std::string& problem) 
   format_->transferInit();
   outcome = format_->read(stream, EXS_Unknown, EGL_noChange, longestValueToLoad);
   format_->transferEnd();
-  if (outcome.good() && stream.status().bad() && stream.status() != EC_EndOfStream) outcome = stream.status();
+  if (stream.stopped().bad()) outcome = stream.stopped();
   if (outcome.good()) return true;
   problem = phraseFor(outcome);
   return false;
