@@ -33,6 +33,7 @@ Ref<Window> TestWindowServices::loadWindow(std::string_view windowDescription, p
   const auto window = pelmar::makeRef<TestWindow>(&log_, "palette");
   window->frameRect = description->second;
   window->owner = &owner;
+  window->autosaveName = autosaveNameOfDescriptions;
   loaded.push_back(window);
   return window;
 }
@@ -46,7 +47,7 @@ void TestWindowServices::setShouldCascadeWindows(const Ref<Window>& window, bool
 }
 
 void TestWindowServices::setWindowFrameAutosaveName(const Ref<Window>& window, std::string_view name) {
-  if (const auto own = pelmar::ref_cast<TestWindow>(window)) own->autosaveName = name;
+  if (const auto own = pelmar::ref_cast<TestWindow>(window)) own->rememberedAs = name;
 }
 
 void TestWindowServices::didChangeValue(const Ref<Window>& window, std::string_view forKey) {

@@ -20,7 +20,8 @@ class TestWindow : public pelmar::Window {
   std::string name;  ///< as in the call log
   pelmar::FrameRect frameRect{0, 0, 240, 180};
   bool visible = false;
-  std::string autosaveName;
+  std::string autosaveName;  ///< as the description names it
+  std::string rememberedAs;  ///< as setWindowFrameAutosaveName named it
   bool cascades = true;
   pelmar::WindowOwner* owner = nullptr;        ///< null for a viewer's window and once it has closed
   pelmar::WindowDelegate* delegate = nullptr;  ///< null once it has closed
@@ -46,6 +47,7 @@ class TestWindowServices : public pelmar::WindowServices {
 
   /// The descriptions that the bundle has, and the size of the window made from each.
   std::map<std::string, pelmar::FrameRect, std::less<>> descriptions{{"VertanaWindowController", {0, 0, 240, 180}}};
+  std::string autosaveNameOfDescriptions = "VertanaPalette";
   std::vector<pelmar::Ref<TestWindow>> loaded;  ///< every window made from a description, oldest first
 
   /// The newest window made from a description, nil when there is none.
