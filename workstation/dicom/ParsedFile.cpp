@@ -21,9 +21,9 @@ constexpr std::uintptr_t stackForReading = 1 << 20;
 /// How far a compressed data set may unfold.
 constexpr offile_off_t longestInflated = offile_off_t{1} << 30;
 
-const OFConditionConst nestedTooDeeply(OFM_dcmdata, 0x7001, OF_error, "its sequences are nested too deeply");
-const OFConditionConst takesTooLong(OFM_dcmdata, 0x7003, OF_error, "reading its structure takes unreasonably long");
-const OFConditionConst inflatesTooFar(OFM_dcmdata, 0x7002, OF_error, "its compressed data set is larger than 1 GB");
+const OFConditionConst nestedTooDeeply{OFM_dcmdata, 0x7001, OF_error, "its sequences are nested too deeply"};
+const OFConditionConst takesTooLong{OFM_dcmdata, 0x7003, OF_error, "reading its structure takes unreasonably long"};
+const OFConditionConst inflatesTooFar{OFM_dcmdata, 0x7002, OF_error, "its compressed data set is larger than 1 GB"};
 
 /// How long the structure of one file may take: the toolkit sorts elements in quadratic time, and a small file can hold
 /// them in the worst order. The largest real files take less than a second.
