@@ -30,10 +30,18 @@ class Value {
   Value(Array value) : data_(make(std::move(value))) {}
   Value(Dictionary value) : data_(make(std::move(value))) {}
   template <class T>
-    requires std::is_base_of_v<HostObject, T>
-  Value(const Ref<T>& object) {
+  requires std::is_base_of_v<HostObject, T> Value(const Ref<T>& object) {
     if (object) data_ = make(Ref<HostObject>(object));
   }
+
+  Value(const Value& other) : data_(other.data_ ? std::make_unique<const Content>(*other.data_) : nullptr) {}
+  Value(Value&&) noexcept = default;
+  Value& operator=(const Value& other) {
+    if (this != &other) *this = Value(other);
+    return *this;
+  }
+  Value& operator=(Value&&) noexcept = default;
+  ~Value() = default;
 
   bool isNil() const { return data_ == nullptr; }
   bool isBool() const { return get<bool>() != nullptr; }
@@ -63,17 +71,18 @@ class Value {
   friend bool operator==(const Value& a, const Value& b);
 
  private:
-  // Values never change once made, so copies share their content.
+  // The content stands alone on the heap and is copied with the value: nothing that the plug-in has made, and nothing
+  // with code of its own (as a shared pointer's control block has), is left in a value that the host keeps.
   using Content = std::variant<bool, std::int64_t, double, std::string, Array, Dictionary, Ref<HostObject>>;
   template <class T>
-  static std::shared_ptr<const Content> make(T value) {
-    return std::make_shared<const Content>(std::move(value));
+  static std::unique_ptr<const Content> make(T value) {
+    return std::make_unique<const Content>(std::move(value));
   }
   template <class T>
   const T* get() const {
     return data_ ? std::get_if<T>(data_.get()) : nullptr;
   }
-  std::shared_ptr<const Content> data_;
+  std::unique_ptr<const Content> data_;
 };
 
 inline double Value::doubleValue() const {
@@ -128,8 +137,7 @@ inline bool operator==(const Value& a, const Value& b) {
     }
     return a.doubleValue() == b.doubleValue();
   }
-  if (a.data_ == b.data_) return true;
-  if (!a.data_ || !b.data_) return false;
+  if (!a.data_ || !b.data_) return !a.data_ && !b.data_;
   return *a.data_ == *b.data_;
 }
 
