@@ -77,9 +77,12 @@ Ref<pelmar::ROIList> SeriesRoiLists::objectAtIndex(std::size_t slice) const {
 }
 
 void SeriesRoiLists::letGoOfView() {
+  const Ref<pelmar::DCMView> left = view_.lock();
   view_ = nullptr;
   for (const auto& list : lists_) {
-    for (const Ref<ROI>& roi : list->entries()) ownRoi(roi)->setCurView(nullptr);
+    for (const Ref<ROI>& roi : list->entries()) {
+      if (roi->curView() == left) ownRoi(roi)->setCurView(nullptr);
+    }
   }
 }
 

@@ -1,0 +1,279 @@
+#include "workstation/model/Viewer.h"
+
+#include <gtest/gtest.h>
+
+#include "Recorder.h"
+#include "TestImages.h"
+#include "workstation/model/Workstation.h"
+
+namespace workstation {
+namespace {
+
+using pelmar::Ref;
+using test::Lines;
+
+class Viewers : public testing::Test {
+ protected:
+  Viewers() { workstation.addImages(test::smallStudy()); }
+
+  Workstation workstation;
+  test::Recorder recorder{workstation.api()};
+};
+
+const StackId sagittalStack{"1.2.3", 0, 0};
+const StackId axialStack{"1.2.3", 1, 0};
+
+TEST_F(Viewers, OpeningAStudyOpensEachStackInOrderAndPostsEachLoading) {
+  std::vector<std::size_t> listed;
+  recorder.react = [&](const std::string&, const pelmar::Notification& posted) {
+    const auto viewer = pelmar::ref_cast<pelmar::ViewerController>(posted.object);
+    EXPECT_TRUE(viewer->isEverythingLoaded());
+    EXPECT_EQ(viewer, workstation.api().viewerControllerClass().frontMostDisplayed2DViewer());
+    listed.push_back(workstation.api().viewerControllersList().size());
+  };
+  const auto numbers = workstation.openStudy("1.2.3");
+  ASSERT_TRUE(numbers);
+  EXPECT_EQ(*numbers, (std::vector<int>{0, 1}));
+  EXPECT_EQ(recorder.lines, (Lines{"loaded", "loaded"}));
+  EXPECT_EQ(listed, (std::vector<std::size_t>{1, 2}));
+  EXPECT_EQ(workstation.viewer(0)->stack, sagittalStack);
+  EXPECT_EQ(workstation.viewer(1)->orientationCode, 4);
+  EXPECT_EQ(workstation.viewer(1)->slices, 3);
+}
+
+TEST_F(Viewers, AStudyOrStackThatIsNotThereIsRefusedByName) {
+  const auto unknown = workstation.openStudy("7");
+  ASSERT_FALSE(unknown);
+  EXPECT_EQ(unknown.problem, "The study \"7\" cannot be opened: it was not added.");
+  EXPECT_FALSE(workstation.openViewer({"1.2.3", 0, 1}));
+  EXPECT_FALSE(workstation.findStack("1.2.3", 3).has_value());
+  EXPECT_EQ(workstation.findStack("1.2.3", 2), axialStack);
+  EXPECT_FALSE(workstation.closeViewer(0));
+}
+
+TEST_F(Viewers, AViewerLeavesTheListBeforeItsClosingIsPostedAndIsStillWholeThen) {
+  const int viewer = *workstation.openViewer(sagittalStack);
+  const int other = *workstation.openViewer(axialStack);
+  ASSERT_TRUE(workstation.bringToFront(viewer));
+  ASSERT_TRUE(workstation.drawLine(viewer, 0, {1, 1}, {1, 50}));
+  const Ref<pelmar::ROI> line = workstation.annotations(viewer).at(0).roi;
+  recorder.take();
+  bool whole = false;
+  recorder.react = [&](const std::string&, const pelmar::Notification& posted) {
+    const auto closing = pelmar::ref_cast<pelmar::ViewerController>(posted.object);
+    whole = workstation.api().viewerControllersList().size() == 1 && closing->imageView()->curDCM() &&
+            closing->currentStudy()->studyInstanceUID() == "1.2.3" && line->curView() == closing->imageView() &&
+            workstation.api().viewerControllerClass().frontMostDisplayed2DViewer() == workstation.controller(other);
+  };
+  ASSERT_TRUE(workstation.closeViewer(viewer));
+  EXPECT_EQ(recorder.lines, Lines{"close"});
+  EXPECT_TRUE(whole);
+  EXPECT_FALSE(line->curView());
+  EXPECT_EQ(workstation.frontViewer(), other);
+}
+
+TEST_F(Viewers, NumbersAreNeverUsedAgain) {
+  EXPECT_EQ(*workstation.openViewer(sagittalStack), 0);
+  ASSERT_TRUE(workstation.closeViewer(0));
+  EXPECT_EQ(*workstation.openViewer(sagittalStack), 1);
+}
+
+TEST_F(Viewers, SwitchingTheSeriesPostsWillChangeWhileTheOldOneIsWholeThenLoaded) {
+  const int viewer = *workstation.openViewer(sagittalStack);
+  ASSERT_TRUE(workstation.drawLine(viewer, 0, {1, 1}, {1, 50}));
+  const Ref<pelmar::ROI> line = workstation.annotations(viewer).at(0).roi;
+  recorder.take();
+  bool shownBefore = false;
+  std::size_t slicesAfter = 0;
+  recorder.react = [&](const std::string& posting, const pelmar::Notification&) {
+    if (posting == "willChange") shownBefore = line->curView() == workstation.controller(viewer)->imageView();
+    if (posting == "loaded") slicesAfter = workstation.controller(viewer)->imageView()->dcmPixList()->count();
+  };
+  ASSERT_TRUE(workstation.switchSeries(viewer, axialStack));
+  EXPECT_EQ(recorder.lines, (Lines{"willChange", "loaded"}));
+  EXPECT_TRUE(shownBefore);
+  EXPECT_EQ(slicesAfter, 3u);
+  EXPECT_FALSE(line->curView());
+  EXPECT_TRUE(workstation.annotations(viewer).empty());
+  EXPECT_EQ(workstation.viewer(viewer)->orientationCode, 4);
+}
+
+TEST_F(Viewers, ThePersonsOwnAnnotationsReturnWithTheSeriesAndThePluginsDoNot) {
+  const int viewer = *workstation.openViewer(sagittalStack);
+  const auto drawn = workstation.drawLine(viewer, 1, {1, 1}, {1, 50});
+  ASSERT_TRUE(drawn);
+  const auto deleted = workstation.drawLine(viewer, 1, {9, 1}, {9, 50});
+  ASSERT_TRUE(deleted);
+  const Ref<pelmar::ROI> gone = workstation.annotations(viewer, 1).at(1).roi;
+  const auto view = workstation.controller(viewer)->imageView();
+  view->dcmRoiList()->objectAtIndex(0)->addObject(workstation.api().roiClass().roiWithType(13, view));
+  ASSERT_TRUE(workstation.switchSeries(viewer, axialStack));
+  workstation.api().roiClass().deleteROI(gone);  // while its series is not shown
+  ASSERT_TRUE(workstation.switchSeries(viewer, sagittalStack));
+  const auto back = workstation.annotations(viewer);
+  ASSERT_EQ(back.size(), 1u);
+  EXPECT_EQ(back[0].id, *drawn);
+  EXPECT_EQ(back[0].slices, std::vector<int>{1});
+  EXPECT_EQ(back[0].roi->curView(), view);
+  ASSERT_TRUE(workstation.closeViewer(viewer));
+  const int again = *workstation.openViewer(sagittalStack);
+  EXPECT_EQ(workstation.annotations(again).at(0).id, *drawn);
+}
+
+TEST_F(Viewers, APolygonThatIsBeingDrawnEndsWithItsSeries) {
+  const int viewer = *workstation.openViewer(sagittalStack);
+  ASSERT_TRUE(workstation.drawPolygon(viewer, 0, {{1, 1}, {1, 30}}, false));
+  const Ref<pelmar::ROI> polygon = workstation.annotations(viewer).at(0).roi;
+  ASSERT_TRUE(workstation.switchSeries(viewer, axialStack));
+  EXPECT_EQ(polygon->ROImode(), 2);
+  EXPECT_FALSE(workstation.endDrawing(viewer));
+}
+
+TEST_F(Viewers, ScrollingPostsOnlyWhenAnotherSliceIsShown) {
+  const int viewer = *workstation.openViewer(axialStack);
+  recorder.take();
+  ASSERT_TRUE(workstation.scroll(viewer, 2));
+  EXPECT_EQ(recorder.take(), Lines{"index"});
+  EXPECT_EQ(workstation.controller(viewer)->imageView()->curImage(), 2);
+  EXPECT_EQ(workstation.sliceRecord(viewer, 2)->sopInstanceUid, "1.2.3");
+  ASSERT_TRUE(workstation.scroll(viewer, 2));
+  EXPECT_TRUE(recorder.take().empty());
+  const Outcome beyond = workstation.scroll(viewer, 3);
+  ASSERT_FALSE(beyond);
+  EXPECT_EQ(*beyond.problem, "Viewer 0 has no slice 3: its slices are 0 to 2.");
+  EXPECT_FALSE(workstation.scroll(viewer, -1));
+}
+
+TEST_F(Viewers, ZoomAndPanPostAndRotationAndFlipsDoNot) {
+  const int viewer = *workstation.openViewer(axialStack);
+  recorder.take();
+  ASSERT_TRUE(workstation.zoom(viewer, 2.5));
+  ASSERT_TRUE(workstation.pan(viewer, 3, -4));
+  ASSERT_TRUE(workstation.pan(viewer, 1, 1));
+  EXPECT_EQ(recorder.take(), (Lines{"scale", "origin", "origin"}));
+  ASSERT_TRUE(workstation.rotate(viewer, 90));
+  ASSERT_TRUE(workstation.flip(viewer, FlipAxis::vertical));
+  EXPECT_TRUE(recorder.take().empty());
+  const auto info = workstation.viewer(viewer);
+  EXPECT_EQ(info->scale, 2.5);
+  EXPECT_EQ(info->origin.x, 4);
+  EXPECT_EQ(info->origin.y, -3);
+  EXPECT_TRUE(info->flippedVertically);
+  EXPECT_FALSE(workstation.zoom(viewer, 0));
+}
+
+TEST_F(Viewers, StandSideBySideOnTheScreenAndFillItFromTheTopLeft) {
+  ASSERT_TRUE(workstation.openStudy("1.2.3"));
+  const auto all = workstation.viewers();
+  EXPECT_EQ(all[0].frame.x, 0);
+  EXPECT_EQ(all[0].frame.y, 600);  // the upper half of 1200 points
+  EXPECT_EQ(all[0].frame.width, 640);
+  EXPECT_EQ(all[1].frame.x, 640);
+  // The axial image is 100 x 80 pixels in 640 x 600 points: 6.4 points a pixel.
+  EXPECT_DOUBLE_EQ(all[1].scale, 6.4);
+  const auto view = workstation.controller(1)->imageView();
+  const auto onScreen = view->window()->convertBaseToScreen(view->convertPointToWindow({10, 20}));
+  EXPECT_EQ(onScreen.x, 650);
+  EXPECT_EQ(onScreen.y, 620);
+}
+
+TEST_F(Viewers, OneThatCloseFreesItsPlace) {
+  ASSERT_TRUE(workstation.openStudy("1.2.3"));
+  ASSERT_TRUE(workstation.closeViewer(0));
+  EXPECT_EQ(workstation.viewer(*workstation.openViewer(axialStack))->frame.x, 0);
+}
+
+TEST_F(Viewers, ThePluginBringsOneToTheFrontThroughItsWindow) {
+  ASSERT_TRUE(workstation.openStudy("1.2.3"));
+  EXPECT_EQ(workstation.frontViewer(), 1);
+  workstation.controller(0)->window()->makeKeyAndOrderFront();
+  EXPECT_EQ(workstation.frontViewer(), 0);
+  EXPECT_EQ(workstation.api().viewerControllersList().at(0), workstation.controller(0));
+}
+
+TEST_F(Viewers, ToolsAreKeptAViewer) {
+  ASSERT_TRUE(workstation.openStudy("1.2.3"));
+  const auto controller = workstation.controller(0);
+  EXPECT_EQ(controller->ROIToolTag(), 0);
+  EXPECT_EQ(controller->imageView()->currentTool(), MouseToolWindowLevel);
+  controller->setROIToolTag(10);
+  EXPECT_EQ(controller->ROIToolTag(), 10);
+  EXPECT_EQ(controller->imageView()->currentTool(), MouseToolAnnotate);
+  controller->setToolTag(MouseToolZoom);
+  EXPECT_EQ(controller->ROIToolTag(), 10);
+  EXPECT_EQ(controller->imageView()->currentTool(), MouseToolZoom);
+  EXPECT_EQ(workstation.controller(1)->ROIToolTag(), 0);
+}
+
+TEST(ViewersOfAnOldHost, HaveNoAnnotationToolTag) {
+  Options options;
+  options.lacking = {pelmar::Capability::ViewerControllerROIToolTag};
+  Workstation workstation(options);
+  workstation.addImages(test::smallStudy());
+  const int viewer = *workstation.openViewer(sagittalStack);
+  ASSERT_TRUE(workstation.selectRoiTool(viewer, 10));
+  EXPECT_FALSE(workstation.controller(viewer)->supports(pelmar::Capability::ViewerControllerROIToolTag));
+  EXPECT_EQ(workstation.controller(viewer)->ROIToolTag(), 0);
+  EXPECT_EQ(workstation.viewer(viewer)->roiTool, 10);
+}
+
+TEST_F(Viewers, TheSlicesAreTheSameObjectsInEveryViewerOfTheStack) {
+  const int first = *workstation.openViewer(axialStack);
+  const int second = *workstation.openViewer(axialStack);
+  EXPECT_EQ(workstation.controller(first)->imageView()->curDCM(),
+            workstation.controller(second)->imageView()->curDCM());
+}
+
+TEST_F(Viewers, OrientationOfAListOfSlicesIsThatOfTheStack) {
+  const int viewer = *workstation.openViewer(axialStack);
+  auto& functions = workstation.api().viewerControllerClass();
+  long code = 77;
+  functions.computeOriginalOrientationForPixArray(nullptr, code);
+  EXPECT_EQ(code, 77);
+  functions.computeOriginalOrientationForPixArray(workstation.controller(viewer)->imageView()->dcmPixList(), code);
+  EXPECT_EQ(code, 4);
+}
+
+TEST_F(Viewers, StudiesTellTheirIdentityAndWhatIsAbsent) {
+  ImageRecord bare = test::axial("5", 1, 1, 0);
+  bare.studyInstanceUid = "8";
+  bare.studyDescription.reset();
+  workstation.addImages({bare});
+  const int one = *workstation.openViewer(sagittalStack);
+  const int same = *workstation.openViewer(axialStack);
+  const int other = *workstation.openViewer({"8", 0, 0});
+  const auto study = [&](int viewer) { return workstation.controller(viewer)->currentStudy(); };
+  EXPECT_TRUE(study(one)->objectID()->isEqual(study(same)->objectID()));
+  EXPECT_FALSE(study(one)->objectID()->isEqual(study(other)->objectID()));
+  EXPECT_FALSE(study(one)->objectID()->isEqual(nullptr));
+  EXPECT_EQ(study(one)->studyName(), "Spine");
+  EXPECT_FALSE(study(other)->studyName().has_value());
+  EXPECT_EQ(study(one)->series()->size(), 2u);
+  EXPECT_EQ(study(one)->series()->at(1)->images()->size(), 3u);
+  ASSERT_TRUE(study(one)->PelmarSRSeries().has_value());
+  EXPECT_TRUE(study(one)->PelmarSRSeries()->empty());
+  EXPECT_FALSE(study(one)->SRImageWithSeriesID(1, "x"));
+}
+
+TEST_F(Viewers, AddingAStudyAgainKeepsTheOneThatIsThere) {
+  const Study* before = workstation.study("1.2.3");
+  EXPECT_EQ(workstation.addImages(test::smallStudy()), std::vector<std::string>{"1.2.3"});
+  EXPECT_EQ(workstation.study("1.2.3"), before);
+}
+
+TEST_F(Viewers, QuittingClosesThemInTheOrderOfOpening) {
+  ASSERT_TRUE(workstation.openStudy("1.2.3"));
+  ASSERT_TRUE(workstation.bringToFront(0));
+  recorder.take();
+  std::vector<long> codes;
+  recorder.react = [&](const std::string&, const pelmar::Notification& posted) {
+    codes.push_back(pelmar::ref_cast<pelmar::ViewerController>(posted.object)->orientationVector());
+  };
+  workstation.quit();
+  EXPECT_EQ(recorder.lines, (Lines{"close", "close"}));
+  EXPECT_EQ(codes, (std::vector<long>{0, 4}));
+  EXPECT_TRUE(workstation.viewers().empty());
+}
+
+}  // namespace
+}  // namespace workstation
