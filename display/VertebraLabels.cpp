@@ -120,8 +120,8 @@ void VertanaFilter::createLabelsOnView(const Ref<DCMView>& view) {
   if (!displayLabels()) return;
 
   const auto anchors = labelAnchorsOnView(view);
-  if (anchors.empty()) return;
   const bool onCurveView = openPolygonROI() && openPolygonROI()->curView() == view;
+  if (anchors.empty() && !onCurveView) return;
   auto& point3D = api().point3DClass();
   const auto names = currentVertebraeLabels();
   const bool footFirst = anchors.size() >= 2 && Point3DFromNSPoint(pix, anchors.front(), point3D)->z() <
