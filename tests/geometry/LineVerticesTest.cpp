@@ -14,6 +14,7 @@ struct Row {
   LineDivision division;
   double lengthInSteps;         ///< the line runs from (5, 7) by (1, 10) a step
   std::vector<double> atSteps;  ///< where the vertices stand, in steps from the start
+  friend std::ostream& operator<<(std::ostream& out, const Row& row) { return out << row.name; }
 };
 
 class LineVertices : public ::testing::TestWithParam<Row> {};

@@ -237,6 +237,7 @@ struct StopRow {
   std::size_t vertices;
   long mode;
   bool stops;
+  friend std::ostream& operator<<(std::ostream& out, const StopRow& row) { return out << row.name; }
 };
 
 struct DrawingStop : PlaneComputation, ::testing::WithParamInterface<StopRow> {};

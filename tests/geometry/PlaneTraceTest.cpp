@@ -34,6 +34,7 @@ struct Row {
   PixelPoint alongNormal;  ///< from the plane's point
   double spacingXMm;
   PixelPoint firstFromPoint;  ///< the second end lies opposite
+  friend std::ostream& operator<<(std::ostream& out, const Row& row) { return out << row.name; }
 };
 
 class PlaneTraceEnds : public ::testing::TestWithParam<Row> {};

@@ -110,6 +110,7 @@ struct RegionRow {
   bool additionalVertebra;
   double lineInSteps;
   std::vector<double> vertices;  ///< in steps from the head end
+  friend std::ostream& operator<<(std::ostream& out, const RegionRow& row) { return out << row.name; }
 };
 
 struct FinishedLine : SpineCurve, ::testing::WithParamInterface<RegionRow> {};
@@ -200,6 +201,7 @@ struct LiveRow {
   long region;
   float lengthCm;
   std::size_t vertices;
+  friend std::ostream& operator<<(std::ostream& out, const LiveRow& row) { return out << row.name; }
 };
 
 struct LiveLine : SpineCurve, ::testing::WithParamInterface<LiveRow> {};
