@@ -94,6 +94,17 @@ Expected<Arguments> labelArguments(RawArguments& raw) {
   return Arguments(label);
 }
 
+std::optional<Failure> checkCommandName(const CLI::App& app, int argc, const char* const* argv) {
+  if (argc < 2 || argv[1][0] == '-') return std::nullopt;
+  std::string known;
+  for (const auto* command : app.get_subcommands({})) {
+    if (command->get_name() == argv[1]) return std::nullopt;
+    known += (known.empty() ? "" : ", ") + command->get_name();
+  }
+  return Failure{ExitUsage, "'" + std::string(argv[1]) + "' is no command; there are " + known +
+                                " (vertana --help tells the usage)"};
+}
+
 std::string firstLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
 }  // namespace
@@ -143,6 +154,7 @@ Expected<Arguments> parseArguments(int argc, const char* const* argv) {
   const auto* phantom = addPhantom(app, raw);
   const auto* info = addInfo(app, raw);
   const auto* label = addLabel(app, raw);
+  if (auto problem = checkCommandName(app, argc, argv)) return *problem;
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForVersion&) {

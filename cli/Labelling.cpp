@@ -46,6 +46,21 @@ std::vector<PixelPoint> curveFrom(const Value& state) {
   return curve;
 }
 
+bool isAxial(const workstation::ViewerInfo& viewer) {
+  return viewer.orientationCode == 4 || viewer.orientationCode == 5;
+}
+
+/// A person sees the levels come while scrolling; the smallest change of zoom names all slices of a viewer at once.
+Expected<bool> lookAtAxialSlices(Workstation& workstation) {
+  for (const auto& viewer : workstation.viewers()) {
+    if (!isAxial(viewer)) continue;
+    if (const auto outcome = workstation.zoom(viewer.number, viewer.scale); !outcome) {
+      return Failure{ExitNotAllowed, *outcome.problem};
+    }
+  }
+  return true;
+}
+
 std::optional<std::string> levelOfSlice(const Workstation& workstation, int viewer, int slice) {
   for (const auto& annotation : workstation.annotations(viewer, slice)) {
     if (annotation.roi->stringTags()->containsObject(axialLabelTag)) return annotation.roi->name();
@@ -56,7 +71,7 @@ std::optional<std::string> levelOfSlice(const Workstation& workstation, int view
 std::vector<LabelledSlice> axialSlices(const Workstation& workstation, const std::string& frameOfReference) {
   std::vector<LabelledSlice> slices;
   for (const auto& viewer : workstation.viewers()) {
-    if (viewer.orientationCode != 4 && viewer.orientationCode != 5) continue;
+    if (!isAxial(viewer)) continue;
     for (int i = 0; i < viewer.slices; ++i) {
       const auto* record = workstation.sliceRecord(viewer.number, i);
       slices.push_back({workstation.series(viewer.stack)->number, viewer.stack.stack, i, record->sopInstanceUid,
@@ -135,6 +150,7 @@ Expected<Labelling> labelStudy(Workstation& workstation, const std::string& stud
   labelling.verticalSlice = vertical->slice;
   labelling.verticalSlices = vertical->slices;
   labelling.curve = std::move(*curve);
+  if (const auto looked = lookAtAxialSlices(workstation); !looked) return looked.failure;
   if (const auto outcome = workstation.closePalette(); !outcome) return Failure{ExitNotAllowed, *outcome.problem};
   labelling.planes = planesFrom(workstation.pluginState());
   labelling.slices = axialSlices(workstation, vertical->frameOfReference);

@@ -1,0 +1,71 @@
+"""Runs the vertana command for the end-to-end tests, away from the person's own settings."""
+import json
+import os
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+SKIPPED = 77
+_settings = tempfile.TemporaryDirectory(prefix="vertana-settings-")
+
+
+class Run:
+    """What one run of the command gave."""
+
+    def __init__(self, program, arguments, timeout=300):
+        environment = dict(os.environ, XDG_CONFIG_HOME=_settings.name)
+        done = subprocess.run([program, *map(str, arguments)], env=environment, stdin=subprocess.DEVNULL,
+                              capture_output=True, text=True, timeout=timeout, check=False)
+        self.command = " ".join(["vertana", *map(str, arguments)])
+        self.status = done.returncode
+        self.out = done.stdout
+        self.messages = done.stderr.splitlines()
+
+    def json(self):
+        return json.loads(self.out)
+
+    def describe(self):
+        return f"{self.command}\nstatus {self.status}\n{self.out}\n" + "\n".join(self.messages)
+
+
+class Checks:
+    """Collects what does not hold, so that one run shows all of it."""
+
+    def __init__(self):
+        self.count = 0
+        self.failed = 0
+
+    def that(self, holds, sentence, run=None):
+        self.count += 1
+        if holds:
+            return
+        self.failed += 1
+        print(f"FAILED: {sentence}")
+        if run is not None:
+            print(run.describe())
+
+    def finish(self):
+        print(f"{self.count - self.failed} checks passed, {self.failed} failed")
+        sys.exit(0 if self.failed == 0 and self.count > 0 else 1)
+
+
+def skip(reason):
+    print(f"SKIPPED: {reason}")
+    sys.exit(SKIPPED)
+
+
+def shared_data(root, *parts):
+    """The folder of shared test data; the test is skipped, saying so, where there is none."""
+    folder = pathlib.Path(root).joinpath(*parts)
+    if not folder.is_dir():
+        skip(f"there is no folder {folder}")
+    return folder
+
+
+def phantom(program, folder, *options):
+    run = Run(program, ["phantom", "--out", folder, *options])
+    if run.status != 0:
+        print(run.describe())
+        sys.exit(1)
+    return folder
