@@ -130,6 +130,17 @@ TEST_F(AxialNames, sliceIsTakenThroughTheMiddleOfItsPixelsAlongItsOwnNormal) {
   EXPECT_EQ(filter.nameForSliceAtIndex(5, axial->view), Name("L1"));
 }
 
+TEST_F(AxialNames, sliceBeyondTheEndsIsMeasuredFromHalfItsWidthAndHalfItsHeight) {
+  // Centre (0, 0, 105). By the tilted normals the discs at z = 90 and 60 are 15 * 0.8 = 12 mm and 45 * 0.8 = 36 mm
+  // away: a gap of 24 mm, so that 12 mm lie between a third and two thirds. 140 mm off the centre they would be far
+  // away.
+  axial->images[5]->geometry = {{-10.5, -150.5, 105}, {1, 0, 0}, {0, 1, 0}, 1, 1, 21, 301};
+  for (const Vector3f& normal : {Vector3f{0, 0.6F, -0.8F}, Vector3f{0.6F, 0, -0.8F}}) {
+    filter.setIntervertebralPlanes({{plane("T12-L1", {0, 0, 90}, normal), plane("L1-L2", {0, 0, 60}, normal)}});
+    EXPECT_EQ(filter.nameForSliceAtIndex(5, axial->view), Name("T12"));
+  }
+}
+
 TEST_F(AxialNames, namesAreComputedFromTheCurveWhenThereAreNoPlanes) {
   curveThrough({{200, 170}, {200, 200}, {200, 230}});  // z = 30, 0, -30
   EXPECT_EQ(nameAtZ(30), Name("T12-L1"));

@@ -234,8 +234,10 @@ TEST_F(PlaneAnnotations, removingTheConstructionWithNothingHeldStillRemovesPlane
   filter.createPlanesROIs();
   const auto mark = host.addROI(19, sagittal, 2, {}, {"VertanaFilterTemporayROI"});
   const auto other = host.addROI(10, sagittal, 0, {});
+  const auto removed = lines();
   filter.removeConstructionROIs();
   EXPECT_TRUE(lines().empty());
+  for (const auto& line : removed) EXPECT_TRUE(line->isSelectable) << "removed as plane lines, not only as marks";
   EXPECT_FALSE(isShown(mark));
   EXPECT_TRUE(isShown(other));
 }
