@@ -72,7 +72,7 @@ CLI::App* addLabel(CLI::App& app, RawArguments& raw) {
       ->check(checkRegion);
   label->add_flag("--extra-vertebra", raw.label.extraVertebra, "The region has one more vertebra: C8, T13 or L6");
   label->add_flag("--json", raw.label.json, "Print JSON for programs");
-  label->footer("Example:\n  vertana label /tmp/spine --line 165,35,160,275");
+  label->footer("Example:\n  vertana label /tmp/spine --line 197,46,204,274");
   return label;
 }
 
