@@ -1,44 +1,13 @@
-#include "tests/geometry/SpineStudy.h"
+// How a labelling is put into its study.
+
+#include "tests/state/StateFixture.h"
 
 namespace vertana {
 namespace {
 
-using pelmar::Bytes;
 using pelmar::Ref;
 using pelmar::Value;
 using Lines = std::vector<std::string>;
-
-const std::string seriesDescription = "Pelmar Vertana Plugin Intervertebral Planes SR";
-constexpr long seriesNumber = 20170720;
-
-/// Starts without a state in memory and with no report in the study.
-struct SavedState : SpineStudy {
-  SavedState() {
-    filter.setSavedDictionary(std::nullopt);
-    study->reports.clear();
-    study->reportSeries.emplace();
-    host.files.clear();
-    host.reports.made.clear();
-    host.calls.clear();
-  }
-
-  std::size_t writes() const { return host.calls.countContaining("writeToFileAtPath"); }
-
-  /// A report in the study, as an earlier run would have left it.
-  void store(const Value& content) {
-    host.storeReport(study, seriesNumber, seriesDescription, *host.archiving.archivedDataWithRootObject(content));
-  }
-  static Value lumbarState(long region = 2, bool additionalVertebra = false) {
-    return Value::Dictionary{
-        {"VertanaAnatomicalRegion", static_cast<std::int64_t>(region)},
-        {"kAdditionalVertebra", additionalVertebra},
-        {"intervertebralPlanes",
-         Value::Array{Value::Dictionary{
-             {"name", "L4-L5"}, {"point", testhost::makePoint(1, 2, 3)}, {"vector", testhost::makePoint(0, 0, -1)}}}}};
-  }
-};
-
-// --- saving ---
 
 TEST_F(SavedState, currentStateHoldsRegionFlagAndPlanes) {
   filter.setIntervertebralPlanes({{plane("L4-L5", {1, 2, 3})}});
@@ -126,97 +95,107 @@ TEST_F(SavedState, offTheMainThreadTheIndependentDatabaseImports) {
   EXPECT_EQ(host.calls.countContaining("independentDatabase.addFilesAtPaths"), 1U);
 }
 
-// --- reading ---
-
-TEST_F(SavedState, studyWithoutAReportHasNoState) {
-  EXPECT_FALSE(filter.savedState());
-  EXPECT_FALSE(filter.savedStateExists());
-  filter.loadState();
-  EXPECT_FALSE(filter.savedDictionary());
+TEST_F(SavedState, archiveIsImportedWithAllFourFlags) {
+  filter.saveEmptyState();
+  const auto& report = host.reports.made[0];
+  EXPECT_EQ(host.calls.count("database.uniquePath(dcm)"), 1U);
+  EXPECT_EQ(host.calls.count("database.addFilesAtPaths(" + *report->path + ",true,true,true,true)"), 1U);
+  EXPECT_EQ(host.archiving.unarchiveObjectWithData(*report->content.data), Value(Value::Dictionary{}));
 }
 
-TEST_F(SavedState, reportWhoseFileIsGoneIsNoState) {
-  store(lumbarState());
-  host.files.clear();
-  EXPECT_FALSE(filter.savedStateExists());
+TEST_F(SavedState, reportIsMadeThenPutInItsSeriesThenWrittenThenImported) {
+  study->addReportSeries(seriesDescription, seriesNumber, "first");
+  study->addReportSeries(seriesDescription, seriesNumber, "last");
+  filter.saveEmptyState();
+  EXPECT_EQ(
+      host.calls.lines(),
+      (Lines{"database.uniquePath(dcm)", "report.initWithData(/store/1.dcm,20170720," + seriesDescription + ")",
+             "report.setSeriesInstanceUID(first)", "report.setSeriesInstanceUID(last)",
+             "report.writeToFileAtPath(/store/1.dcm)", "database.addFilesAtPaths(/store/1.dcm,true,true,true,true)"}));
 }
 
-TEST_F(SavedState, emptyStateExistsAndIsEmpty) {
-  EXPECT_TRUE(filter.isSavedStateEmpty()) << "nothing in memory";
-  store(Value::Dictionary{});
-  EXPECT_TRUE(filter.savedStateExists());
-  filter.loadState();
-  ASSERT_TRUE(filter.savedDictionary());
-  EXPECT_TRUE(filter.isSavedStateEmpty());
+TEST_F(SavedState, withoutAFittingSeriesTheReportStartsANewOne) {
+  study->addReportSeries(seriesDescription, seriesNumber + 1, "wrong number");
+  study->addReportSeries(seriesDescription + " ", seriesNumber, "wrong description");
+  study->addReportSeries(std::nullopt, seriesNumber, "no description");
+  filter.saveEmptyState();
+  EXPECT_EQ(host.calls.countContaining("setSeriesInstanceUID"), 0U);
 }
 
-TEST_F(SavedState, emptinessIsJudgedByTheCopyInMemoryOnly) {
-  store(lumbarState());
-  EXPECT_TRUE(filter.isSavedStateEmpty());
-  filter.loadState();
-  EXPECT_FALSE(filter.isSavedStateEmpty());
+TEST_F(SavedState, seriesNumberIsReadAsA32BitInteger) {
+  study->addReportSeries(seriesDescription, seriesNumber + (1L << 32), "low 32 bits fit");
+  filter.saveEmptyState();
+  EXPECT_EQ(host.reports.made[0]->content.seriesUID, "low 32 bits fit");
 }
 
-TEST_F(SavedState, archiveOfOddLengthWithItsPadByteStillLoads) {
-  host.archiving.oddLength = true;
-  store(lumbarState());
-  ASSERT_TRUE(filter.savedState());
-  EXPECT_EQ(filter.savedState()->size(), 3U);
+TEST_F(SavedState, studyWithoutSeriesOfReportsStartsANewOne) {
+  study->reportSeries.reset();
+  filter.saveEmptyState();
+  EXPECT_EQ(writes(), 1U);
+  EXPECT_EQ(study->reports.size(), 1U);
 }
 
-TEST_F(SavedState, bytesThatAreNoArchiveAreNoState) {
-  for (const auto& bytes : {Bytes{}, Bytes{1}, Bytes{1, 2, 3, 4}}) {
-    study->reports.clear();
-    host.storeReport(study, seriesNumber, seriesDescription, bytes);
-    EXPECT_FALSE(filter.savedState());
+TEST_F(SavedState, studyWithoutImagesGivesTheReportNone) {
+  const auto series = pelmar::makeRef<testhost::TestSeries>();
+  const std::vector<std::optional<std::vector<Ref<pelmar::DicomSeries>>>> lists{
+      std::nullopt, std::vector<Ref<pelmar::DicomSeries>>(), std::vector<Ref<pelmar::DicomSeries>>{series}};
+  for (const auto& list : lists) {
+    study->ordinarySeries = list;
+    filter.setSavedDictionary(std::nullopt);
+    filter.saveEmptyState();
+    EXPECT_FALSE(host.reports.made.back()->forImage);
+  }
+  series->stored.emplace();
+  filter.setSavedDictionary(std::nullopt);
+  filter.saveEmptyState();
+  EXPECT_FALSE(host.reports.made.back()->forImage);
+  EXPECT_EQ(writes(), 4U);
+}
+
+TEST_F(SavedState, reportTakesAnImageOfTheStudy) {
+  filter.saveEmptyState();
+  EXPECT_TRUE(host.reports.made[0]->forImage == study->ordinarySeries->front()->images()->front());
+}
+
+TEST_F(SavedState, withoutADatabaseNothingIsWrittenAndTheStateCountsAsSaved) {
+  host.browser.current = nullptr;
+  filter.saveEmptyState();
+  EXPECT_EQ(writes(), 0U);
+  EXPECT_TRUE(filter.savedDictionary());
+}
+
+TEST_F(SavedState, statesAreEqualWhenTheyHoldTheSamePointsNotEqualOnes) {
+  filter.setIntervertebralPlanes({{plane("L4-L5", {1, 2, 3})}});
+  filter.saveCurrentState();
+  filter.setIntervertebralPlanes({{plane("L4-L5", {1, 2, 3})}});
+  filter.saveCurrentState();
+  EXPECT_EQ(writes(), 2U);
+}
+
+TEST_F(SavedState, anotherRegionOrFlagIsAnotherState) {
+  const std::vector<IntervertebralPlane> planes{plane("L4-L5", {1, 2, 3})};
+  for (const auto& [region, flag] : std::vector<std::pair<long, bool>>{{2, false}, {1, false}, {1, true}}) {
+    filter.setAnatomicalRegion(region);
+    filter.setAdditionalVertebra(flag);
+    filter.setIntervertebralPlanes(planes);
+    host.calls.clear();
+    filter.saveCurrentState();
+    EXPECT_EQ(writes(), 1U) << region << flag;
   }
 }
 
-TEST_F(SavedState, archiveOfSomethingElseThanADictionaryIsNoState) {
-  store(Value::Array{1, 2});
-  EXPECT_FALSE(filter.savedState());
+TEST_F(SavedState, learnsTheDescriptionBeforeItWrites) {
+  filter.setIntervertebralPlanes({{plane("L4-L5", {1, 2, 3})}});
+  filter.saveCurrentState();
+  EXPECT_EQ(host.calls.indexOf("userDefaults.setObject(kVertanaCustomStudyDescriptionSearchTerms)"), 0U);
 }
 
-// --- loading ---
-
-TEST_F(SavedState, loadingTheCurrentRegionTakesThePlanesAndWritesNothing) {
-  store(lumbarState());
-  filter.loadState();
-  EXPECT_EQ(heldPlaneNames(), Lines{"L4-L5"});
-  EXPECT_EQ(writes(), 0U);
-}
-
-TEST_F(SavedState, loadingAnotherRegionKeepsThePlanesAndLeavesAFreshEmptyStateInTheStudy) {
-  store(lumbarState(1));
-  filter.loadState();
-  EXPECT_EQ(filter.anatomicalRegion(), AnatomicalRegionThoracic);
-  EXPECT_EQ(heldPlaneNames(), Lines{"L4-L5"});
-  EXPECT_EQ(writes(), 1U);
-  ASSERT_TRUE(filter.savedState());
-  EXPECT_TRUE(filter.savedState()->empty());
-}
-
-TEST_F(SavedState, loadingAnotherFlagKeepsThePlanesToo) {
-  store(lumbarState(2, true));
-  filter.loadState();
-  EXPECT_TRUE(filter.additionalVertebra());
-  EXPECT_EQ(heldPlaneNames(), Lines{"L4-L5"});
-  EXPECT_EQ(writes(), 1U);
-}
-
-TEST_F(SavedState, missingKeysAreSkippedOneByOne) {
-  holdForeignPlane();
-  store(Value::Dictionary{{"kAdditionalVertebra", false}});
-  filter.loadState();
-  EXPECT_EQ(filter.anatomicalRegion(), AnatomicalRegionLumbar);
-  EXPECT_TRUE(holdsForeignPlane());
-}
-
-TEST_F(SavedState, regionIsReadAsASigned32BitInteger) {
-  // 2^32 - 1: the low 32 bits, with sign, are -1.
-  store(Value::Dictionary{{"VertanaAnatomicalRegion", std::int64_t{4294967295}}});
-  filter.loadState();
-  EXPECT_EQ(filter.anatomicalRegion(), AnatomicalRegionNone);
+TEST_F(SavedState, newerReportsJoinTheSeriesAndTheNewestCounts) {
+  filter.saveState({{"kAdditionalVertebra", true}});
+  filter.saveState({{"kAdditionalVertebra", false}});
+  ASSERT_EQ(study->reports.size(), 2U) << "the older one is kept";
+  EXPECT_EQ(study->reports[0].seriesUID, study->reports[1].seriesUID);
+  EXPECT_EQ(filter.savedState()->at("kAdditionalVertebra"), Value(false));
 }
 
 }  // namespace
