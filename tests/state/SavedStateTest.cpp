@@ -107,11 +107,12 @@ TEST_F(SavedState, reportIsMadeThenPutInItsSeriesThenWrittenThenImported) {
   study->addReportSeries(seriesDescription, seriesNumber, "first");
   study->addReportSeries(seriesDescription, seriesNumber, "last");
   filter.saveEmptyState();
+  const std::string path = *host.reports.made[0]->path;
   EXPECT_EQ(
       host.calls.lines(),
-      (Lines{"database.uniquePath(dcm)", "report.initWithData(/store/1.dcm,20170720," + seriesDescription + ")",
+      (Lines{"database.uniquePath(dcm)", "report.initWithData(" + path + ",20170720," + seriesDescription + ")",
              "report.setSeriesInstanceUID(first)", "report.setSeriesInstanceUID(last)",
-             "report.writeToFileAtPath(/store/1.dcm)", "database.addFilesAtPaths(/store/1.dcm,true,true,true,true)"}));
+             "report.writeToFileAtPath(" + path + ")", "database.addFilesAtPaths(" + path + ",true,true,true,true)"}));
 }
 
 TEST_F(SavedState, withoutAFittingSeriesTheReportStartsANewOne) {
