@@ -15,7 +15,6 @@ VertanaFilter::~VertanaFilter() { VertanaFilter::dealloc(); }
 
 void VertanaFilter::observe(std::string_view notification, void (VertanaFilter::*handler)(const Notification&)) {
   api().defaultCenter().addObserver(this, notification, nullptr, [this, handler](const Notification& posted) {
-    // A host must never see an exception of ours; what failed half-way is rebuilt by the next notification.
     try {
       (this->*handler)(posted);
     } catch (...) {
@@ -23,7 +22,7 @@ void VertanaFilter::observe(std::string_view notification, void (VertanaFilter::
   });
 }
 
-void VertanaFilter::initPlugin() {
+void VertanaFilter::initPlugin() try {
   if (requirementsError()) return;
   observe(pelmar::PelmarROIChangeNotification, &VertanaFilter::PelmarROIChanged);
   observe(pelmar::PelmarRemoveROINotification, &VertanaFilter::PelmarROIRemoved);
@@ -36,15 +35,17 @@ void VertanaFilter::initPlugin() {
   observe(pelmar::PelmarViewScaleChanged, &VertanaFilter::PelmarScaleOrOriginViewChanged);
   setDisplayLabels(true);
   setAdditionalVertebra(false);
+} catch (...) {
 }
 
-void VertanaFilter::dealloc() {
+void VertanaFilter::dealloc() try {
   api().defaultCenter().removeObserver(this);
   study_ = nullptr;
   openPolygonROI_ = nullptr;
   intervertebralPlanes_ = std::nullopt;
   savedDictionary_ = std::nullopt;
   PluginFilter::dealloc();
+} catch (...) {
 }
 
 void VertanaFilter::setIsActive(bool isActive) {
@@ -66,7 +67,7 @@ void VertanaFilter::settingDidChange(std::string_view key) {
   if (windowController_) windowController_->settingDidChange(key);
 }
 
-Value VertanaFilter::stateSnapshot() const {
+Value VertanaFilter::stateSnapshot() const try {
   Value planes;
   if (intervertebralPlanes_) {
     Value::Array records;
@@ -91,14 +92,18 @@ Value VertanaFilter::stateSnapshot() const {
                            {"openPolygonROI", openPolygonROI_},
                            {"intervertebralPlanes", planes},
                            {"savedDictionary", savedDictionary_ ? Value(*savedDictionary_) : Value()}};
+} catch (...) {
+  return {};
 }
 
-Value VertanaFilter::valueForKey(std::string_view key) const {
+Value VertanaFilter::valueForKey(std::string_view key) const try {
   if (key == "guessedAnatomicalRegion") return static_cast<std::int64_t>(guessedAnatomicalRegion());
   if (key == "intervertebralPlanesLabels") {
     const auto discs = currentIntervertebralPlanesLabels();
     return Value::Array(discs.begin(), discs.end());
   }
+  return {};
+} catch (...) {
   return {};
 }
 

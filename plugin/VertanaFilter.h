@@ -48,6 +48,8 @@ struct RequirementsError {
   std::optional<std::string> localizedRecoverySuggestion;
 };
 
+/// What the host calls (the virtual operations and the notification handlers it was given) lets no exception out: it
+/// ends where it failed, and what that leaves half-done the next command or notification rebuilds.
 class VertanaFilter : public pelmar::PluginFilter {
  public:
   explicit VertanaFilter(pelmar::PelmarAPI& api);

@@ -46,11 +46,15 @@ void VertanaWindowController::openHelp() { api_.application().openURL(manualAddr
 void VertanaWindowController::windowWillClose() {
   if (!plugin_) return;
   const auto self = shared_from_this();
-  plugin_->stopWorkflow();
+  // Whatever fails, the window goes and the palette with it; the next event stops the workflow for good.
+  try {
+    plugin_->stopWorkflow();
+  } catch (...) {
+  }
   if (plugin_->windowController() == self) plugin_->setWindowController(nullptr);
 }
 
-bool VertanaWindowController::performAction(std::string_view action) {
+bool VertanaWindowController::performAction(std::string_view action) try {
   const auto self = shared_from_this();  // the action may close the window and so let the palette go
   if (action == "stopWorkFlow:") {
     stopWorkFlow();
@@ -62,18 +66,22 @@ bool VertanaWindowController::performAction(std::string_view action) {
     return false;
   }
   return true;
+} catch (...) {
+  return true;  // only an action that it knows can fail
 }
 
-Value VertanaWindowController::valueForKey(std::string_view key) const {
+Value VertanaWindowController::valueForKey(std::string_view key) const try {
   if (!plugin_) return {};
   if (key == "anatomicalRegion") return static_cast<std::int64_t>(plugin_->anatomicalRegion());
   if (key == "drawMode") return static_cast<std::int64_t>(plugin_->drawMode());
   if (key == "displayLabels") return plugin_->displayLabels();
   if (key == "additionalVertebra") return plugin_->additionalVertebra();
   return {};
+} catch (...) {
+  return {};
 }
 
-bool VertanaWindowController::setValue(const Value& value, std::string_view forKey) {
+bool VertanaWindowController::setValue(const Value& value, std::string_view forKey) try {
   if (!plugin_) return false;
   const auto self = shared_from_this();
   if (forKey == "anatomicalRegion") {
@@ -88,6 +96,8 @@ bool VertanaWindowController::setValue(const Value& value, std::string_view forK
     return false;
   }
   return true;
+} catch (...) {
+  return true;  // only a property that it knows can fail
 }
 
 void VertanaWindowController::settingDidChange(std::string_view key) {

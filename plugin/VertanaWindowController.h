@@ -10,7 +10,7 @@ namespace vertana {
 class VertanaFilter;
 
 /// The palette: forwards its buttons and settings to the controller. Every way of closing it ends the workflow.
-/// Owned by the controller, which lets it go when it has closed.
+/// Owned by the controller, which lets it go when it has closed. What the host calls lets no exception out.
 class VertanaWindowController final : public pelmar::WindowOwner,
                                       public pelmar::WindowDelegate,
                                       public std::enable_shared_from_this<VertanaWindowController> {

@@ -8,7 +8,7 @@ using pelmar::DCMView;
 using pelmar::Ref;
 using pelmar::ViewerController;
 
-long VertanaFilter::filterImage(const std::string& menuName) {
+long VertanaFilter::filterImage(const std::string& menuName) try {
   if (const auto error = requirementsError()) {
     alertRequirementsWithError(error);
     return 0;
@@ -40,6 +40,8 @@ long VertanaFilter::filterImage(const std::string& menuName) {
   setDrawMode(storedMode.isNil() ? 0 : static_cast<unsigned long>(static_cast<long>(storedMode.intValue())));
 
   startWorkflow();
+  return 0;
+} catch (...) {
   return 0;
 }
 
