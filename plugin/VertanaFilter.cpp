@@ -11,7 +11,17 @@ using pelmar::Value;
 
 VertanaFilter::VertanaFilter(pelmar::PelmarAPI& api) : PluginFilter(api) {}
 
-VertanaFilter::~VertanaFilter() { VertanaFilter::dealloc(); }
+VertanaFilter::~VertanaFilter() {
+  VertanaFilter::dealloc();
+  // A palette that is still open must not call a controller that is gone.
+  try {
+    if (windowController_) {
+      windowController_->setPlugin(nullptr);
+      windowController_->close();
+    }
+  } catch (...) {
+  }
+}
 
 void VertanaFilter::observe(std::string_view notification, void (VertanaFilter::*handler)(const Notification&)) {
   api().defaultCenter().addObserver(this, notification, nullptr, [this, handler](const Notification& posted) {
