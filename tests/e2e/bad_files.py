@@ -15,6 +15,7 @@ from program import Checks, Run, phantom
 
 def spoil(source, target, change):
     header = pydicom.dcmread(source)
+    header.SOPInstanceUID = header.file_meta.MediaStorageSOPInstanceUID = pydicom.uid.generate_uid()
     change(header)
     header.save_as(target)
 

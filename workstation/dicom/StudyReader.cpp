@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "workstation/dicom/Attributes.h"
+#include "workstation/dicom/Copies.h"
 #include "workstation/dicom/FileSignature.h"
 #include "workstation/dicom/FileWalk.h"
 #include "workstation/dicom/FrameGroups.h"
@@ -154,6 +155,7 @@ ReadResult readImages(const fs::path& folderOrFile, const ReadOptions& options) 
     if (!result.cancelled) readImageFile(files[done], result);
   }
   if (!result.cancelled) goesOn(files.size());
+  setCopiesAside(result);
   std::stable_sort(result.unreadable.begin(), result.unreadable.end(),
                    [](const UnreadableFile& a, const UnreadableFile& b) { return a.file < b.file; });
   return result;

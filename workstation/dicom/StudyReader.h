@@ -16,6 +16,12 @@ struct UnreadableFile {
   std::string reason;  ///< a phrase that follows "because": "it is empty", "it has no pixel data"
 };
 
+/// A file that holds the same image as another one.
+struct CopiedFile {
+  std::filesystem::path file;
+  std::filesystem::path original;  ///< the file whose image is used
+};
+
 /// What a folder of files holds. Everything in order of the files' paths, frames in order of their number.
 struct ReadResult {
   /// A record a slice: one for a single-frame file, one for each frame of a multi-frame file. A slice whose position,
@@ -23,6 +29,8 @@ struct ReadResult {
   std::vector<ImageRecord> images;
   /// Files that are, or by their name claim to be, DICOM images but cannot be shown.
   std::vector<UnreadableFile> unreadable;
+  /// Images that the same study holds in an earlier file already; they are not in `images`.
+  std::vector<CopiedFile> copies;
   /// DICOM objects that are no images: structured reports, segmentations, plans, waveforms ...
   std::vector<std::filesystem::path> otherObjects;
   /// Files that are not DICOM and do not claim to be.
@@ -41,10 +49,11 @@ struct ReadOptions {
 /// Reads what is known of the images in a folder, at any depth, or in one file; no pixel is read. Links are followed,
 /// each file and folder is visited once. A file is recognised by its contents, never by its name, but a name can show
 /// that a file was meant to be one: an empty file, or a file named *.dcm that is not DICOM, is unreadable, not skipped.
+/// An image that a study holds in several files is taken from the first of them by path.
 /// Never throws for anything that the files contain; a path that does not exist is an unreadable file.
 ReadResult readImages(const std::filesystem::path& folderOrFile, const ReadOptions& options = {});
 
-/// Reads one file into the lists of `result`, as readImages does.
+/// Reads one file into the lists of `result`, as readImages does, but for copies, which it does not look for.
 void readImageFile(const std::filesystem::path& file, ReadResult& result);
 
 }  // namespace workstation
