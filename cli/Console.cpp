@@ -5,6 +5,8 @@
 #include <csignal>
 #include <iostream>
 
+#include "cli/PlainText.h"
+
 namespace cli {
 
 namespace {
@@ -15,13 +17,13 @@ void rememberInterrupt(int) { interruptSeen = 1; }
 
 }  // namespace
 
-void printMessage(const std::string& sentence) { std::cerr << "vertana: " << sentence << '\n'; }
+void printMessage(const std::string& sentence) { std::cerr << "vertana: " << printable(sentence) << '\n'; }
 
 void catchInterrupts() { std::signal(SIGINT, rememberInterrupt); }
 
 bool interrupted() { return interruptSeen != 0; }
 
-ProgressLine::ProgressLine(std::string what) : what_(std::move(what)), terminal_(isatty(STDERR_FILENO) == 1) {}
+ProgressLine::ProgressLine(const std::string& what) : what_(printable(what)), terminal_(isatty(STDERR_FILENO) == 1) {}
 
 ProgressLine::~ProgressLine() {
   if (terminal_ && lastPercent_ <= 100) std::cerr << "\r\033[K" << std::flush;

@@ -6,7 +6,7 @@
 
 namespace cli {
 
-/// Prints one message line on standard error, after the program's name.
+/// Prints one message line on standard error, after the program's name. What a terminal would obey is made harmless.
 void printMessage(const std::string& sentence);
 
 /// Catches the interrupt key: long work asks interrupted() and stops at the next step.
@@ -16,7 +16,7 @@ bool interrupted();
 /// A progress line on standard error, only where that is a terminal; cleared when it goes.
 class ProgressLine {
  public:
-  explicit ProgressLine(std::string what);
+  explicit ProgressLine(const std::string& what);
   ~ProgressLine();
   ProgressLine(const ProgressLine&) = delete;
   ProgressLine& operator=(const ProgressLine&) = delete;

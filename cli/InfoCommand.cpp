@@ -1,9 +1,10 @@
-#include <iomanip>
+#include <array>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
 #include "cli/Commands.h"
 #include "cli/Console.h"
+#include "cli/PlainText.h"
 #include "cli/StudySession.h"
 
 namespace cli {
@@ -81,19 +82,55 @@ StudyFacts factsOf(Workstation& workstation, const std::string& studyUid) {
   return facts;
 }
 
+using Cells = std::array<std::string, 7>;
+
+Cells cellsOf(const StackRow& row) {
+  return {row.series ? std::to_string(*row.series) : "-",
+          std::to_string(row.stack),
+          orientationName(row.orientation),
+          std::to_string(row.slices),
+          std::to_string(row.columns) + "x" + std::to_string(row.rows),
+          printable(row.modality),
+          printable(row.description)};
+}
+
+/// Each column as wide as its widest cell; the last one needs no width.
+void printTable(std::ostream& out, const std::vector<Cells>& rows) {
+  std::array<std::size_t, std::tuple_size_v<Cells>> widths{};
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i + 1 < row.size(); ++i) widths[i] = std::max(widths[i], terminalColumns(row[i]) + 2);
+  }
+  for (const auto& row : rows) {
+    out << "  ";
+    for (std::size_t i = 0; i + 1 < row.size(); ++i) out << padded(row[i], widths[i]);
+    out << row.back() << '\n';
+  }
+}
+
+std::string orElse(const std::string& text, const std::string& otherwise) { return text.empty() ? otherwise : text; }
+
 void printFacts(std::ostream& out, const StudyFacts& facts) {
-  out << "Study    " << facts.uid << '\n';
-  out << "Says     " << (facts.description ? "\"" + *facts.description + "\"" : "(no description)") << '\n';
-  out << "Patient  " << facts.patientName << " (" << facts.patientId << ")  " << facts.date << '\n';
+  out << "Study    " << printable(facts.uid) << '\n';
+  out << "Says     " << (facts.description ? "\"" + printable(*facts.description) + "\"" : "(no description)") << '\n';
+  out << "Patient  " << printable(orElse(facts.patientName, "(no name)")) << ", "
+      << printable(orElse(facts.patientId, "(no ID)")) << ", " << printable(orElse(facts.date, "(no date)")) << '\n';
   out << "Region   " << (facts.guessedRegion < 0 ? "not told by the study" : regionName(facts.guessedRegion)) << '\n';
   out << "Labels   none stored\n\n";
-  out << "  series  stack  orientation  slices  size       kind  description\n";
-  for (const auto& row : facts.stacks) {
-    const auto size = std::to_string(row.columns) + "x" + std::to_string(row.rows);
-    out << "  " << std::left << std::setw(8) << (row.series ? std::to_string(*row.series) : "-") << std::setw(7)
-        << row.stack << std::setw(13) << orientationName(row.orientation) << std::setw(8) << row.slices << std::setw(11)
-        << size << std::setw(6) << row.modality << row.description << '\n';
-  }
+  std::vector<Cells> rows{{"series", "stack", "orientation", "slices", "size", "kind", "description"}};
+  for (const auto& row : facts.stacks) rows.push_back(cellsOf(row));
+  printTable(out, rows);
+}
+
+/// What the folder holds besides the series; nothing where there is nothing else.
+void printLeftOut(std::ostream& out, const StudyFolder& folder) {
+  std::string list;
+  const auto add = [&](std::size_t count, const std::string& one, const std::string& many) {
+    if (count > 0) list += (list.empty() ? "" : ", ") + counted(count, one, many);
+  };
+  add(folder.notDicom, "file that is not DICOM", "files that are not DICOM");
+  add(folder.otherObjects, "DICOM object that is no image", "DICOM objects that are no images");
+  add(folder.copies, "copy of an image above", "copies of images above");
+  if (!list.empty()) out << "\nLeft out: " << list << ".\n";
 }
 
 ordered_json jsonOf(const StudyFacts& facts, const std::vector<BadFile>& bad) {
@@ -148,6 +185,7 @@ int runInfo(const InfoArguments& arguments) {
     }
     first = false;
   }
+  if (!arguments.json) printLeftOut(std::cout, *folder);
   return ExitDone;
 }
 

@@ -1,12 +1,19 @@
 #include "cli/JsonValues.h"
 
+#include <cmath>
+#include <cstdint>
+
 namespace cli {
 
 using pelmar::Value;
 
 nlohmann::ordered_json jsonFromValue(const Value& value) {
   if (value.isBool()) return value.boolValue();
-  if (value.isInteger()) return static_cast<std::int64_t>(value.doubleValue());
+  if (value.isInteger()) {
+    const double number = value.doubleValue();  // beyond 64 bits after rounding: stays a real
+    return std::abs(number) < 9.2e18 ? nlohmann::ordered_json(static_cast<std::int64_t>(number))
+                                     : nlohmann::ordered_json(number);
+  }
   if (value.isReal()) return value.doubleValue();
   if (const auto* text = value.string()) return *text;
   if (const auto* array = value.array()) {
@@ -22,9 +29,10 @@ nlohmann::ordered_json jsonFromValue(const Value& value) {
   return nullptr;
 }
 
-Value valueFromJson(const nlohmann::json& json) {
+Value valueFromJson(const nlohmann::ordered_json& json) {
   if (json.is_boolean()) return json.get<bool>();
-  if (json.is_number_integer()) return json.get<std::int64_t>();
+  const bool fits = !json.is_number_unsigned() || json.get<std::uint64_t>() <= std::uint64_t{INT64_MAX};
+  if (json.is_number_integer() && fits) return json.get<std::int64_t>();
   if (json.is_number()) return json.get<double>();
   if (json.is_string()) return json.get<std::string>();
   if (json.is_array()) {

@@ -8,6 +8,7 @@ namespace cli {
 
 /// Property values as JSON: objects of the host, which have no JSON form, become null.
 nlohmann::ordered_json jsonFromValue(const pelmar::Value& value);
-pelmar::Value valueFromJson(const nlohmann::json& json);
+/// Whole numbers beyond 64 bits become reals.
+pelmar::Value valueFromJson(const nlohmann::ordered_json& json);
 
 }  // namespace cli

@@ -83,7 +83,7 @@ void printLabellingAsJson(std::ostream& out, const Labelling& labelling) {
                               {"name", slice.name ? ordered_json(*slice.name) : ordered_json()},
                               {"sameFrameOfReference", slice.sameFrameOfReference}});
   }
-  out << json.dump() << '\n';
+  out << json.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
 }
 
 }  // namespace cli

@@ -1,5 +1,7 @@
 #include "cli/PersonDefaults.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -10,6 +12,7 @@
 namespace cli {
 
 namespace fs = std::filesystem;
+using nlohmann::ordered_json;
 using pelmar::Value;
 
 namespace {
@@ -26,47 +29,64 @@ fs::path defaultsFile() {
   return {};
 }
 
+/// The file's object; an empty one where there is no file, nothing where it cannot be read.
+std::optional<ordered_json> readObject(const fs::path& file) {
+  std::error_code error;
+  if (file.empty() || !fs::exists(file, error)) return ordered_json::object();
+  std::ifstream in(file, std::ios::binary);
+  const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  auto json = ordered_json::parse(text, nullptr, false);
+  if (!in || !json.is_object()) return std::nullopt;
+  return json;
+}
+
+/// Writes the text whole beside the file, then puts it in the file's place: a full disk loses nothing. A link stays a
+/// link.
+bool replaceFile(const fs::path& file, const std::string& text) {
+  std::error_code error;
+  fs::create_directories(file.parent_path(), error);
+  const auto target = fs::weakly_canonical(file, error);
+  if (error) return false;
+  auto fresh = target;
+  fresh += "." + std::to_string(getpid()) + ".new";
+  std::ofstream out(fresh, std::ios::binary | std::ios::trunc);
+  out << text;
+  out.close();
+  if (out) fs::rename(fresh, target, error);
+  if (out && !error) return true;
+  fs::remove(fresh, error);
+  return false;
+}
+
 }  // namespace
 
 PersonDefaults::PersonDefaults() : file_(defaultsFile()) {}
 
 Value::Dictionary PersonDefaults::load() {
-  std::error_code error;
-  if (file_.empty() || !fs::exists(file_, error)) return {};
-  std::ifstream in(file_, std::ios::binary);
-  const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  const auto json = nlohmann::json::parse(text, nullptr, false);
-  if (!in || !json.is_object()) {
-    readable_ = false;
+  const auto json = readObject(file_);
+  readable_ = json.has_value();
+  if (!readable_) {
     printMessage(file_.string() + " is not a JSON object, so your defaults are not used: mend or remove the file.");
     return {};
   }
-  const auto value = valueFromJson(json);
-  if (value.dictionary()) stored_ = *value.dictionary();
-  return stored_;
+  const auto value = valueFromJson(*json);
+  if (!value.dictionary()) return {};
+  const auto learnt = value.dictionary()->find(learntTermsKey);
+  if (learnt != value.dictionary()->end()) learnt_ = learnt->second;
+  return *value.dictionary();
 }
 
 void PersonDefaults::save(const Value::Dictionary& defaults) {
   const auto learnt = defaults.find(learntTermsKey);
-  if (file_.empty() || !readable_ || learnt == defaults.end()) return;
-  const auto known = stored_.find(learntTermsKey);
-  if (known != stored_.end() && known->second == learnt->second) return;
-  stored_.insert_or_assign(learntTermsKey, learnt->second);
-
-  // Written whole beside the old file, then put in its place: a full disk loses nothing.
-  std::error_code error;
-  fs::create_directories(file_.parent_path(), error);
-  auto fresh = file_;
-  fresh += ".new";
-  std::ofstream out(fresh, std::ios::binary | std::ios::trunc);
-  out << jsonFromValue(stored_).dump(2) << '\n';
-  out.close();
-  if (out) fs::rename(fresh, file_, error);
-  if (!out || error) {
-    fs::remove(fresh, error);
-    printMessage("What was learnt from the study description could not be written to " + file_.string() +
-                 ": check that the folder can be written to.");
+  if (file_.empty() || !readable_ || learnt == defaults.end() || learnt_ == learnt->second) return;
+  auto json = readObject(file_);
+  if (json) (*json)[learntTermsKey] = jsonFromValue(learnt->second);
+  if (json && replaceFile(file_, json->dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n')) {
+    learnt_ = learnt->second;
+    return;
   }
+  printMessage("What was learnt from the study description could not be written to " + file_.string() +
+               ": check that it is a JSON object and that its folder can be written to.");
 }
 
 }  // namespace cli

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 
 #include "workstation/model/Seams.h"
 
@@ -8,7 +9,8 @@ namespace cli {
 
 /// The person's defaults, in vertana/defaults.json below XDG_CONFIG_HOME (or ~/.config). Everything there is read;
 /// of what changes, only the terms learnt from study descriptions are written, since a batch must not change how the
-/// person draws. A file that cannot be read or written is reported once and otherwise taken as empty.
+/// person draws; every other key stays as it is in the file at that moment. A file that cannot be read is reported,
+/// taken as empty and never written.
 class PersonDefaults final : public workstation::DefaultsStore {
  public:
   PersonDefaults();
@@ -19,7 +21,7 @@ class PersonDefaults final : public workstation::DefaultsStore {
 
  private:
   std::filesystem::path file_;
-  pelmar::Value::Dictionary stored_;
+  std::optional<pelmar::Value> learnt_;  ///< as last read or written
   bool readable_ = true;
 };
 

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "cli/Console.h"
+#include "cli/PlainText.h"
 #include "workstation/bundles/BundleLoader.h"
 #include "workstation/dicom/StudyReader.h"
 
@@ -18,8 +19,26 @@ void printBadFiles(const StudyFolder& folder) {
   }
 }
 
-std::string counted(std::size_t count, const std::string& one, const std::string& many) {
-  return std::to_string(count) + " " + (count == 1 ? one : many);
+/// One line for all: a folder that was copied into itself has as many as it has images.
+void printCopies(const std::vector<workstation::CopiedFile>& copies) {
+  if (copies.empty()) return;
+  const auto& first = copies.front();
+  printMessage(counted(copies.size(), "file holds an image", "files hold images") +
+               " that another file of the study holds too and " + (copies.size() == 1 ? "is" : "are") +
+               " not shown twice: " + (copies.size() == 1 ? "" : "the first is ") + first.file.string() +
+               ", a copy of " + first.original.string() + ".");
+}
+
+/// What a folder without one image does hold.
+std::string contentsOf(const StudyFolder& folder) {
+  std::string list;
+  const auto add = [&](std::size_t count, const std::string& one, const std::string& many) {
+    if (count > 0) list += (list.empty() ? "" : ", ") + counted(count, one, many);
+  };
+  add(folder.bad.size(), "file cannot be used", "files cannot be used");
+  add(folder.otherObjects, "DICOM object is no image", "DICOM objects are no images");
+  add(folder.notDicom, "file is not DICOM", "files are not DICOM");
+  return list.empty() ? "it holds no file" : list;
 }
 
 }  // namespace
@@ -27,7 +46,8 @@ std::string counted(std::size_t count, const std::string& one, const std::string
 Expected<StudyFolder> readStudyFolder(const std::string& path) {
   std::error_code error;
   if (!fs::exists(path, error)) {
-    return Failure{ExitUnreadable, path + " does not exist: give a folder of DICOM files."};
+    return Failure{ExitUnreadable, (path.empty() ? "A folder without a name" : path) +
+                                       " does not exist: give a folder of DICOM files."};
   }
   workstation::ReadResult read;
   {
@@ -42,20 +62,19 @@ Expected<StudyFolder> readStudyFolder(const std::string& path) {
   StudyFolder folder;
   for (const auto& file : read.unreadable) folder.bad.push_back({file.file.string(), file.reason, false});
   for (const auto& image : read.images) {
-    if (!image.geometryProblem.empty() && image.frame == 1) {
-      folder.bad.push_back({image.file.string(), image.geometryProblem, true});
-    }
+    if (image.geometryProblem.empty()) continue;
+    const auto file = image.file.string();
+    if (!folder.bad.empty() && folder.bad.back().shown && folder.bad.back().file == file) continue;  // one line a file
+    folder.bad.push_back({file, image.geometryProblem, true});
   }
   folder.images = std::move(read.images);
   folder.otherObjects = read.otherObjects.size();
   folder.notDicom = read.notDicom.size();
+  folder.copies = read.copies.size();
   printBadFiles(folder);
+  printCopies(read.copies);
   if (folder.images.empty()) {
-    return Failure{ExitUnreadable,
-                   path + " holds no DICOM image that can be shown (" +
-                       counted(folder.bad.size(), "file cannot be used", "files cannot be used") + ", " +
-                       counted(folder.otherObjects, "DICOM object is no image", "DICOM objects are no images") + ", " +
-                       counted(folder.notDicom, "file is not DICOM", "files are not DICOM") + ")."};
+    return Failure{ExitUnreadable, path + " holds no DICOM image that can be shown: " + contentsOf(folder) + "."};
   }
   return folder;
 }

@@ -24,6 +24,7 @@ struct StudyFolder {
   std::vector<BadFile> bad;
   std::size_t otherObjects = 0;  ///< DICOM objects that are no images
   std::size_t notDicom = 0;      ///< files that were skipped
+  std::size_t copies = 0;        ///< files with an image that another file holds
 };
 
 /// Reads what the folder holds. A path that does not exist, or a folder without one image, is a Failure.

@@ -33,6 +33,9 @@ Expected<ViewerInfo> viewerOfSeries(const Workstation& workstation, int seriesNu
 
 Expected<ViewerInfo> verticalViewer(const Workstation& workstation, const LabelArguments& arguments) {
   if (arguments.series) return viewerOfSeries(workstation, *arguments.series);
+  for (const auto& viewer : workstation.viewers()) {
+    if (viewer.front && (viewer.orientationCode == 0 || viewer.orientationCode == 1)) return viewer;
+  }
   for (const long highestCode : {1L, 3L}) {
     for (const auto& viewer : workstation.viewers()) {
       if (isVertical(viewer) && viewer.orientationCode <= highestCode) return viewer;

@@ -21,7 +21,8 @@ struct VerticalSlice {
 };
 
 /// The slice that --series and --slice name; without them the middle slice of the series that the plug-in would take:
-/// sagittal before coronal, in the order of the viewers. A Failure says what the study lacks.
+/// the one in front if it is sagittal (after opening a study, the last), else the first that is sagittal, else the
+/// first that is coronal. A Failure says what the study lacks.
 Expected<VerticalSlice> findVerticalSlice(const workstation::Workstation& workstation, const LabelArguments& arguments);
 
 /// Whether the points lie on the image and are long enough (7 cm on the patient; of a polygon, along its smooth

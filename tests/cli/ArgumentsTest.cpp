@@ -1,0 +1,134 @@
+#include "cli/Arguments.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace cli::test {
+namespace {
+
+Expected<Arguments> parse(std::vector<const char*> words) {
+  words.insert(words.begin(), "vertana");
+  return parseArguments(static_cast<int>(words.size()), words.data());
+}
+
+/// The sentence that refuses the words as wrong usage.
+std::string refusal(const std::vector<const char*>& words) {
+  const auto parsed = parse(words);
+  EXPECT_FALSE(parsed);
+  EXPECT_EQ(parsed.failure.status, ExitUsage);
+  EXPECT_EQ(parsed.failure.sentence.find('\n'), std::string::npos) << "one line: " << parsed.failure.sentence;
+  return parsed.failure.sentence;
+}
+
+void expectWords(const std::string& sentence, const std::vector<std::string>& words) {
+  for (const auto& word : words) EXPECT_NE(sentence.find(word), std::string::npos) << word << " in: " << sentence;
+}
+
+TEST(Points, ArePairsOfNumbersInOrder) {
+  const auto points = parsePoints("1,2.5,-3,4e1", "--polygon");
+  ASSERT_TRUE(points);
+  ASSERT_EQ(points->size(), 2U);
+  EXPECT_EQ((*points)[0].x, 1);
+  EXPECT_EQ((*points)[0].y, 2.5);
+  EXPECT_EQ((*points)[1].x, -3);
+  EXPECT_EQ((*points)[1].y, 40);
+}
+
+TEST(Points, MayHaveBlanksAfterTheCommas) { EXPECT_TRUE(parsePoints("1, 2, 3, 4 ", "--line")); }
+
+struct BadPoints {
+  const char* text;
+  const char* complaint;
+};
+class RefusedPoints : public testing::TestWithParam<BadPoints> {};
+
+TEST_P(RefusedPoints, AreNamedWithTheOption) {
+  const auto points = parsePoints(GetParam().text, "--line");
+  ASSERT_FALSE(points);
+  EXPECT_EQ(points.failure.status, ExitUsage);
+  expectWords(points.failure.sentence, {"--line", GetParam().complaint});
+}
+
+INSTANTIATE_TEST_SUITE_P(Points, RefusedPoints,
+                         testing::Values(BadPoints{"", "''"}, BadPoints{"1,2,3,", "''"}, BadPoints{"1,,3,4", "''"},
+                                         BadPoints{"1,2,3,four", "'four'"}, BadPoints{"1,2,3,4x", "'4x'"},
+                                         BadPoints{"1 2 3 4", "'1 2 3 4'"}, BadPoints{"1,2,3,nan", "'nan'"},
+                                         BadPoints{"1,2,3,inf", "'inf'"}, BadPoints{"1,2,3,1e400", "'1e400'"},
+                                         BadPoints{"0x10,2,3,4", "'0x10'"}, BadPoints{"1,2,3", "3 numbers"},
+                                         BadPoints{"1,2", "2 numbers"}));
+
+TEST(Label, HoldsWhatWasGiven) {
+  const auto parsed = parse({"label", "folder", "--polygon", "1,2,3,4,5,6", "--series", "-7", "--slice", "3",
+                             "--region", "thoracic", "--extra-vertebra", "--json"});
+  ASSERT_TRUE(parsed);
+  const auto& label = std::get<LabelArguments>(*parsed);
+  EXPECT_EQ(label.study, "folder");
+  EXPECT_TRUE(label.polygon);
+  EXPECT_EQ(label.points.size(), 3U);
+  EXPECT_EQ(label.series, -7);
+  EXPECT_EQ(label.slice, 3);
+  EXPECT_EQ(label.region, 1);
+  EXPECT_TRUE(label.extraVertebra);
+  EXPECT_TRUE(label.json);
+}
+
+TEST(Label, LeavesOpenWhatWasNotGiven) {
+  const auto parsed = parse({"label", "folder", "--line", "1,2,3,4"});
+  ASSERT_TRUE(parsed);
+  const auto& label = std::get<LabelArguments>(*parsed);
+  EXPECT_FALSE(label.polygon);
+  EXPECT_FALSE(label.series || label.slice || label.region);
+  EXPECT_FALSE(label.extraVertebra || label.json);
+}
+
+TEST(Usage, NumbersThatAreNoneOrDoNotFitAreNamed) {
+  const std::vector<const char*> base{"label", "folder", "--line", "1,2,3,4"};
+  for (const char* option : {"--series", "--slice"}) {
+    for (const char* number : {"99999999999", "1.5", "abc", ""}) {
+      auto words = base;
+      words.insert(words.end(), {option, number});
+      expectWords(refusal(words), {option, "whole number", "'" + std::string(number) + "'"});
+    }
+  }
+  for (const char* seed : {"-1", "99999999999999999999", "1.5"}) {
+    expectWords(refusal({"phantom", "--region", "lumbar", "--out", "x", "--seed", seed}), {"--seed", seed});
+  }
+}
+
+TEST(Usage, TheLargestSeedFits) {
+  const auto parsed = parse({"phantom", "--region", "lumbar", "--out", "x", "--seed", "18446744073709551615"});
+  ASSERT_TRUE(parsed);
+  EXPECT_EQ(std::get<PhantomArguments>(*parsed).seed, UINT64_MAX);
+}
+
+TEST(Usage, WhatIsWrongIsNamed) {
+  expectWords(refusal({}), {"No command", "demo, phantom, info, label"});
+  expectWords(refusal({"--bogus"}), {"'--bogus'"});
+  expectWords(refusal({"lable"}), {"'lable'", "label"});
+  expectWords(refusal({"info", "--json=maybe", "folder"}), {"--json", "no value"});
+  expectWords(refusal({"label", "folder", "--line", "1,2,3,4", "--line", "1,2,3,4"}), {"--line", "more than once"});
+  expectWords(refusal({"label", "folder", "--line", "1,2,3,4", "--polygon", "1,2,3,4"}), {"--line", "--polygon"});
+  expectWords(refusal({"label", "folder"}), {"--line", "--polygon"});
+  expectWords(refusal({"phantom", "--region", "Lumbar", "--out", "x"}), {"--region", "Lumbar"});
+}
+
+class Help : public testing::TestWithParam<const char*> {};
+
+TEST_P(Help, FitsAScreenOf80By24AndHasAnExample) {
+  std::vector<const char*> words{"--help"};
+  if (*GetParam()) words.insert(words.begin(), GetParam());
+  const auto parsed = parse(words);
+  ASSERT_TRUE(parsed);
+  const auto& text = std::get<TextToPrint>(*parsed).text;
+  EXPECT_NE(text.find("Example:\n  vertana "), std::string::npos);
+  std::istringstream lines(text);
+  int count = 0;
+  for (std::string line; std::getline(lines, line); ++count) EXPECT_LE(line.size(), 80U) << line;
+  EXPECT_LE(count, 24);
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, Help, testing::Values("", "demo", "phantom", "info", "label"));
+
+}  // namespace
+}  // namespace cli::test
