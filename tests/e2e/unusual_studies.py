@@ -1,0 +1,208 @@
+#!/usr/bin/python3
+"""Studies as they also come: copied files, several frames of reference, enhanced images, localizers, odd names.
+
+Each is made of a phantom, whose levels are known from the plain study; the way of storing it must not change them.
+usage: unusual_studies.py VERTANA
+"""
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+import pydicom
+from pydicom.dataset import Dataset
+from pydicom.sequence import Sequence
+from pydicom.uid import generate_uid
+
+from program import Checks, Run, phantom
+
+LINE = ["--line", "197,46,204,274"]
+
+
+def headers(folder):
+    return [pydicom.dcmread(path) for path in sorted(folder.iterdir())]
+
+
+def save(header, path):
+    path.parent.mkdir(parents=True, exist_ok=True)
+    header.save_as(path)
+
+
+def save_changed(source, target, change):
+    for number, header in enumerate(headers(source)):
+        change(header)
+        save(header, target / f"{number}")
+
+
+def item(**values):
+    dataset = Dataset()
+    for keyword, value in values.items():
+        setattr(dataset, keyword, value)
+    return dataset
+
+
+def enhanced(slices):
+    """One enhanced MR image with a frame a slice; pixels, orientation and spacing as in the slices."""
+    image = pydicom.dcmread(slices[0].filename)
+    image.SOPClassUID = image.file_meta.MediaStorageSOPClassUID = "1.2.840.10008.5.1.4.1.1.4.1"
+    image.SOPInstanceUID = image.file_meta.MediaStorageSOPInstanceUID = generate_uid()
+    image.NumberOfFrames = len(slices)
+    image.PixelData = b"".join(header.PixelData for header in slices)
+    for keyword in ("ImagePositionPatient", "ImageOrientationPatient", "PixelSpacing"):
+        delattr(image, keyword)
+    image.SharedFunctionalGroupsSequence = Sequence([item(
+        PixelMeasuresSequence=Sequence([item(PixelSpacing=slices[0].PixelSpacing)]),
+        PlaneOrientationSequence=Sequence([item(ImageOrientationPatient=slices[0].ImageOrientationPatient)]))])
+    image.PerFrameFunctionalGroupsSequence = Sequence([item(
+        PlanePositionSequence=Sequence([item(ImagePositionPatient=header.ImagePositionPatient)])) for header in slices])
+    return image
+
+
+def names(run):
+    return [entry["name"] for entry in run.json()["slices"]]
+
+
+def listed(run):
+    """Series number, stack, plane (0 sagittal, 1 coronal, 2 axial) and slices of each stack."""
+    return [(row["series"], row["stack"], row["orientation"] // 2, row["slices"]) for row in run.json()["series"]]
+
+
+def check_copies(checks, program, plain, expected, folder):
+    shutil.copytree(plain / "SE01", folder / "SE01")
+    shutil.copytree(plain / "SE03", folder / "SE03")
+    shutil.copytree(plain / "SE03", folder / "again")
+    run = Run(program, ["label", folder, *LINE, "--json"])
+    checks.that(names(run) == expected, "a copied series is not shown twice", run)
+    checks.that(len(run.messages) == 1 and "52 files" in run.messages[0] and "SE03/IM0001.dcm" in run.messages[0],
+                "and the person is told of the copies", run)
+
+
+def check_other_frame(checks, program, plain, folder):
+    other = generate_uid()
+    shutil.copytree(plain / "SE01", folder / "SE01")
+    shutil.copytree(plain / "SE03", folder / "SE03")
+    save_changed(plain / "SE04", folder / "SE04", lambda header: setattr(header, "FrameOfReferenceUID", other))
+    run = Run(program, ["label", folder, *LINE, "--json"])
+    same = {3: set(), 4: set()}
+    for entry in run.json()["slices"]:
+        same[entry["series"]].add(entry["sameFrameOfReference"])
+    checks.that(same == {3: {True}, 4: {False}}, "slices in another frame of reference are marked", run)
+    checks.that(len(run.messages) == 1 and "frame of reference" in run.messages[0], "and the person is warned", run)
+    run = Run(program, ["label", folder, *LINE])
+    checks.that(run.out.count("CAUTION") == 1 and run.out.index("CAUTION") > run.out.index("Axial series 4"),
+                "and warned at the series that it concerns", run)
+
+
+def check_enhanced(checks, program, plain, expected, folder):
+    sagittal, axial = enhanced(headers(plain / "SE01")), enhanced(headers(plain / "SE03"))
+    save(sagittal, folder / "sagittal")
+    save(axial, folder / "axial")
+    run = Run(program, ["info", folder, "--json"])
+    checks.that(listed(run) == [(1, 0, 0, 15), (3, 0, 2, 52)], "enhanced images count a slice a frame", run)
+    run = Run(program, ["label", folder, *LINE, "--json"])
+    checks.that(names(run) == expected, "enhanced images get the levels of single ones", run)
+    frames = [(entry["sop"], entry["frame"]) for entry in run.json()["slices"]]
+    checks.that(frames == [(axial.SOPInstanceUID, number) for number in range(1, 53)], "each slice names its frame", run)
+
+
+def check_localizer(checks, program, plain, expected, folder):
+    series, number = generate_uid(), 0
+    for source in ("SE01", "SE02", "SE03"):
+        for header in headers(plain / source)[5:8]:
+            number += 1
+            header.SeriesInstanceUID, header.SeriesNumber, header.InstanceNumber = series, 9, number
+            header.SOPInstanceUID = header.file_meta.MediaStorageSOPInstanceUID = generate_uid()
+            header.ImageType = ["ORIGINAL", "PRIMARY", "LOCALIZER"]
+            save(header, folder / "localizer" / str(number))
+    shutil.copytree(plain / "SE01", folder / "SE01")
+    shutil.copytree(plain / "SE03", folder / "SE03")
+    run = Run(program, ["info", folder, "--json"])
+    checks.that(listed(run) == [(1, 0, 0, 15), (3, 0, 2, 52), (9, 0, 0, 3), (9, 1, 1, 3), (9, 2, 2, 3)],
+                "a localizer with three planes is three stacks", run)
+    run = Run(program, ["label", folder, *LINE, "--json"])
+    checks.that(run.json()["vertical"] == {"series": 1, "stack": 0, "slice": 7},
+                "the first sagittal series is drawn on where none is in front", run)
+    checks.that(names(run) == expected + expected[5:8], "and the localizer's axial slices are named like the others", run)
+
+
+def check_front(checks, program, plain, folder):
+    shutil.copytree(plain / "SE01", folder / "SE01")
+    last = generate_uid()
+
+    def copy(header):
+        header.SeriesInstanceUID, header.SeriesNumber = last, 12
+        header.SOPInstanceUID = header.file_meta.MediaStorageSOPInstanceUID = generate_uid()
+
+    save_changed(plain / "SE01", folder / "last", copy)
+    run = Run(program, ["label", folder, *LINE, "--json"])
+    checks.that(run.json()["vertical"]["series"] == 12, "a sagittal series that opened in front is drawn on", run)
+    checks.that(run.json()["slices"] == [], "without axial series no slice is listed", run)
+
+
+def check_odd_names(checks, program, plain, expected, folder):
+    def rename(header):
+        header.SpecificCharacterSet = "ISO_IR 192"
+        header.SeriesDescription = "脊椎 \x1b[31mred\x07"
+        header.Modality = "LONGMODALITY"
+        header.PatientName = "山田^太郎"
+
+    odd = folder / "my späne\n脊椎"
+    for series in ("SE01", "SE03"):
+        save_changed(plain / series, odd / series, rename)
+    (odd / "bad.dcm").write_bytes(b"")
+    run = Run(program, ["info", odd])
+    checks.that(run.status == 0 and "山田^太郎" in run.out and "脊椎" in run.out, "letters of all scripts are shown", run)
+    text = run.out + "\n".join(run.messages)
+    checks.that(all(char.isprintable() or char == "\n" for char in text), "what a terminal would obey is not", run)
+    checks.that(len(run.messages) == 1, "a line feed in a name does not break the message", run)
+    rows = [line for line in run.out.splitlines() if "LONGMODALITY" in line or "description" in line]
+    checks.that(len({row.index(word) for row, word in zip(rows, ("kind", "LONGMOD", "LONGMOD"))}) == 1 and len(rows) == 3,
+                "the columns are aligned", run)
+    run = Run(program, ["label", odd, *LINE, "--json"])
+    checks.that(names(run) == expected, "a folder's name does not matter", run)
+
+
+def check_output(checks, program, plain, folder):
+    if os.path.exists("/dev/full"):
+        with open("/dev/full", "w") as full:
+            done = subprocess.run([program, "info", str(plain)], stdout=full, stderr=subprocess.PIPE, text=True, check=False)
+        checks.that(done.returncode == 1 and len(done.stderr.splitlines()) == 1, "a full disk is told of")
+    run = Run(program, ["phantom", "--region", "lumbar", "--out", "/proc/vertana/x"])
+    checks.that(run.status == 1 and len(run.messages) == 1 and "/proc/vertana" in run.messages[0],
+                "a folder that cannot be made is named", run)
+    target = folder / "interrupted"
+    with subprocess.Popen([program, "phantom", "--region", "lumbar", "--ct", "--out", str(target)],
+                          stderr=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as process:
+        while not list(target.glob("*/*")) and process.poll() is None:
+            time.sleep(0.01)
+        process.send_signal(signal.SIGINT)
+        out, err = process.communicate()
+    checks.that(process.returncode == 1 and out == "" and "Interrupted" in err, f"an interrupt is told of: {err}")
+    checks.that(not target.exists(), "and leaves nothing behind")
+
+
+def main():
+    program = sys.argv[1]
+    checks = Checks()
+    with tempfile.TemporaryDirectory(prefix="vertana-e2e-") as temporary:
+        top = pathlib.Path(temporary)
+        plain = phantom(program, top / "plain", "--region", "lumbar", "--angled-axials")
+        run = Run(program, ["label", plain, *LINE, "--json"])
+        expected = [entry["name"] for entry in run.json()["slices"] if entry["series"] == 3]
+        checks.that(len(expected) == 52 and {"T12-L1", "L1-L2", "L2-L3", "L3-L4", "L4-L5", "L5-S1"} <= set(expected),
+                    "the plain study has its levels", run)
+        check_copies(checks, program, plain, expected, top / "copies")
+        check_other_frame(checks, program, plain, top / "other-frame")
+        check_enhanced(checks, program, plain, expected, top / "enhanced")
+        check_localizer(checks, program, plain, expected, top / "localizer")
+        check_front(checks, program, plain, top / "front")
+        check_odd_names(checks, program, plain, expected, top / "odd")
+        check_output(checks, program, plain, top)
+    checks.finish()
+
+
+main()
