@@ -17,13 +17,13 @@ constexpr std::string_view regionKey = "VertanaAnatomicalRegion";
 constexpr std::string_view additionalVertebraKey = "kAdditionalVertebra";
 constexpr std::string_view planesKey = "intervertebralPlanes";
 
-/// Any image of any series: the report takes patient and study from it.
+/// Any image of any series that has one: the report takes patient and study from it.
 Ref<DicomImage> anyImageOf(const Ref<pelmar::DicomStudy>& study) {
-  const auto series = study->series();
-  if (!series || series->empty()) return nullptr;
-  const auto images = series->front()->images();
-  if (!images || images->empty()) return nullptr;
-  return images->front();
+  for (const auto& series : study->series().value_or(std::vector<Ref<pelmar::DicomSeries>>())) {
+    const auto images = series->images();
+    if (images && !images->empty()) return images->front();
+  }
+  return nullptr;
 }
 
 }  // namespace

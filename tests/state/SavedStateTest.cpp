@@ -40,6 +40,18 @@ TEST_F(SavedState, reportCarriesDescriptionNumberAndAnImageOfTheStudyAndIsImport
   EXPECT_EQ(study->reports.size(), 1U);
 }
 
+TEST_F(SavedState, reportTakesPatientAndStudyFromTheFirstImageThereIs) {
+  const auto image = study->ordinarySeries->front()->images()->front();
+  const auto withImage = study->ordinarySeries->front();
+  const auto withoutList = pelmar::makeRef<testhost::TestSeries>();
+  const auto empty = pelmar::makeRef<testhost::TestSeries>();
+  empty->stored.emplace();
+  study->ordinarySeries = std::vector<Ref<pelmar::DicomSeries>>{withoutList, empty, withImage};
+  filter.saveEmptyState();
+  ASSERT_EQ(host.reports.made.size(), 1U);
+  EXPECT_TRUE(host.reports.made[0]->forImage == image);
+}
+
 TEST_F(SavedState, savingTheSameStateTwiceWritesOnce) {
   filter.setIntervertebralPlanes({{plane("L4-L5", {1, 2, 3})}});
   filter.saveCurrentState();
