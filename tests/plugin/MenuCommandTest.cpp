@@ -117,6 +117,29 @@ TEST_F(MenuCommand, withOnlyAxialSeriesAndNoStateShowsTheAlertAndGoesOnWithoutPa
   EXPECT_EQ(filter.anatomicalRegion(), 2) << "the region is still set";
 }
 
+TEST_F(MenuCommand, afterTheRefusalTheDrawModeIsStillReadForTheRegion) {
+  host.defaults.values["VertanaDrawMode-2"] = Value(1);
+  choose("Labels", addAxial(host.addStudy("7.7.7", "MRI SPINE")));
+  ASSERT_EQ(host.alerts.shown.size(), 1U);
+  EXPECT_EQ(filter.drawMode(), 1U);
+}
+
+TEST_F(MenuCommand, theExtraVertebraIsClearedOnceTheNewStudyIsTheCurrentOne) {
+  // Clearing the flag resets the labelling, and that is the new study's: its stored state becomes the empty one.
+  const auto second = host.addStudy("9.9.9", "MRI SPINE");
+  const auto viewer = host.addViewer(second, sagittalSeries(3));
+  storeState(study, Value(lumbarState()));
+  storeState(second, Value(lumbarState()));
+  filter.setStudy(study);
+  filter.setSavedDictionary(lumbarState());
+  filter.setAdditionalVertebra(true);
+  storeState(study, Value(lumbarState()));
+  filter.setSavedDictionary(lumbarState());
+  choose("Other", viewer);
+  EXPECT_TRUE(isEmptyState(storedState(second)));
+  EXPECT_EQ(planeCount(storedState(study)), 6U);
+}
+
 TEST_F(MenuCommand, withOnlyAxialSeriesButAStoredStateOpensThePaletteOnTheViewerInFront) {
   const auto axialStudy = host.addStudy("7.7.7", "MRI SPINE");
   storeState(axialStudy, Value(lumbarState()));

@@ -85,8 +85,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Closing{"anotherCommand", [](LabellingFixture& fixture) { fixture.choose("Other", {}); }}),
     [](const auto& row) { return std::string(row.param.how); });
 
-TEST_F(Palette, stopButtonRunsStopWorkflowTwice) {
-  // Each run sets the mouse tool once while a vertical viewer is found; the second finds no study.
+TEST_F(Palette, theSecondStopOfTheStopButtonFindsNoViewerAndNoStudy) {
   chooseLabels();
   host.calls.clear();
   palette()->click("stopWorkFlow:");

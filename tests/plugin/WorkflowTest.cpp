@@ -41,6 +41,9 @@ TEST_F(Workflow, redrawsAStoredLabelling) {
   EXPECT_EQ(labelsOn(sagittal), lumbarLabels());
   EXPECT_EQ(planeLineCount(sagittal), 6U);
   EXPECT_LT(host.calls.indexOf("roiWithType(10)"), host.calls.indexOf("roiWithType(13)")) << "the curve comes first";
+  const auto made = host.calls.containing({"roiWithType(13)", "roiWithType(5)"});
+  const auto lastLabel = std::find(made.rbegin(), made.rend(), "roiWithType(13)");
+  EXPECT_GE(std::distance(made.rbegin(), lastLabel), 6) << "the six plane lines come last";
 }
 
 // --- stopWorkflow ---
