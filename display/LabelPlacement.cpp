@@ -13,7 +13,7 @@ int labelsSideForHorizontalAxis(const Vector3f& axis) {
   const float ay = std::fabs(axis.y);
   float az = std::fabs(axis.z);
   const auto counts = [](float component) { return static_cast<double>(component) > 0.2; };
-  for (int pass = 0; pass < 3; ++pass) {
+  while (true) {  // what was set aside does not count again, so this ends
     if (counts(ax) && ax >= ay && ax >= az) {
       ax = 0;
     } else if (counts(ay) && ay >= ax && ay >= az) {
@@ -24,7 +24,6 @@ int labelsSideForHorizontalAxis(const Vector3f& axis) {
       return 0;
     }
   }
-  return 0;
 }
 
 double labelDistanceMm(long region) {

@@ -112,5 +112,16 @@ TEST_F(StudyIsolation, theFirstStudyKeepsItsLabelsThroughout) {
   EXPECT_EQ(planeCount(storedState(study)), 6U);
 }
 
+TEST_F(StudyIsolation, aCurveThatIsStillHeldGoesWithItsStudy) {
+  const auto curve = host.addROI(pelmar::ROITypeOpenPolygon, sagittal, 0, {{0, 0}, {0, 9}});
+  filter.setOpenPolygonROI(curve);
+  host.calls.clear();
+  choose("Other", secondSagittal);
+  EXPECT_FALSE(filter.openPolygonROI());
+  EXPECT_FALSE(sagittal->sliceLists[0]->containsObject(curve));
+  EXPECT_EQ(host.calls.count("deleteROIs(1,false)"), 1U) << "silently";
+  EXPECT_TRUE(filter.study() == second);
+}
+
 }  // namespace
 }  // namespace testhost

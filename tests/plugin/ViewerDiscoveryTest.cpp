@@ -59,6 +59,19 @@ TEST_F(Viewers, belongToAStudyByItsUIDNotByTheRecord) {
   EXPECT_TRUE(filter.firstViewerWithVerticalSeries() == viewer);
 }
 
+TEST_F(Viewers, ofAStudyWithoutAUIDBelongToNoStudyNotEvenToIt) {
+  const auto viewer = open(0, study);
+  study->uid = std::nullopt;
+  filter.setStudy(study);
+  EXPECT_TRUE(filter.openedViewersWithCurrentStudy()->empty());
+  EXPECT_FALSE(vertana::isSameStudy(study, study));
+  EXPECT_FALSE(vertana::isSameStudy(nullptr, nullptr));
+  study->uid = "1.2.3";
+  EXPECT_FALSE(vertana::isSameStudy(study, nullptr));
+  EXPECT_TRUE(vertana::isSameStudy(study, study));
+  EXPECT_TRUE(filter.firstViewerWithVerticalSeries() == viewer);
+}
+
 TEST_F(Viewers, ofTwoSagittalOnesTheOneInFrontWins) {
   open(0, study);
   const auto second = open(1, study);
