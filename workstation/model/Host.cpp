@@ -109,6 +109,7 @@ void Host::closeViewer(const std::shared_ptr<Viewer>& viewer) {
   std::erase(viewers_, closing);
   std::erase(stacking_, closing);
   closing->post(pelmar::PelmarCloseViewerNotification);
+  closing->setClosed();
   putAway(*closing);
 }
 

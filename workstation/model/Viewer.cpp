@@ -16,7 +16,7 @@ void ViewerWindow::close() {
 
 bool ViewerWindow::isVisible() const {
   const auto viewer = viewer_.lock();
-  return viewer && viewer->host().isOpen(*viewer);
+  return viewer && !viewer->closed();
 }
 
 std::shared_ptr<Viewer> Viewer::make(Host& host, int number, const pelmar::FrameRect& frame) {

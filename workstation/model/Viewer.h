@@ -17,7 +17,7 @@ class ViewerWindow final : public ScreenWindow {
 
   void makeKeyAndOrderFront() override;
   void close() override;
-  /// While its viewer is open.
+  /// Until its viewer has closed; still true while the closing is posted.
   bool isVisible() const override;
 
  private:
@@ -38,6 +38,10 @@ class Viewer final : public pelmar::ViewerController, public std::enable_shared_
   /// Sets what isEverythingLoaded answers.
   void setLoaded(bool loaded) { loaded_ = loaded; }
   void setFrame(const pelmar::FrameRect& frame);
+
+  /// The viewer has closed and everyone was told.
+  void setClosed() { closed_ = true; }
+  bool closed() const { return closed_; }
 
   int number() const { return number_; }
   Host& host() const { return host_; }
@@ -74,6 +78,7 @@ class Viewer final : public pelmar::ViewerController, public std::enable_shared_
   long mouseTool_ = MouseToolWindowLevel;
   long annotationTool_ = 0;
   bool loaded_ = false;
+  bool closed_ = false;
   bool needsDisplay_ = true;
 };
 
