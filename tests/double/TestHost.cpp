@@ -68,6 +68,16 @@ Ref<TestViewer> TestHost::addViewer(const Ref<TestStudy>& study, const Series& s
   viewers.push_back(viewer);
   everyViewer.push_back(viewer);
   if (viewers.size() == 1) frontMost = viewer;
+  // Any tool ends a drawing; what then has fewer than two distinct points goes.
+  viewer->toolChosen = [this](const TestViewer& chosen) {
+    const Ref<TestROI> drawn = chosen.view->drawn;
+    if (!drawn) return;
+    drawn->mode = pelmar::ROIModeSelected;
+    chosen.view->drawn = nullptr;
+    const std::vector<pelmar::PixelPoint> points = drawn->positions();
+    const bool another = std::any_of(points.begin(), points.end(), [&](auto point) { return point != points.front(); });
+    if (!another) rois.deleteROI(drawn);
+  };
   return viewer;
 }
 
@@ -77,9 +87,25 @@ void TestHost::closeViewer(const Ref<TestViewer>& viewer) {
   if (frontMost == closing) frontMost = viewers.empty() ? Ref<TestViewer>() : viewers.front();
   post(pelmar::PelmarCloseViewerNotification, closing);
   closing->shownIn->visible = false;
-  for (const Ref<TestROI>& roi : closing->allROIs()) {
-    if (roi->curView() == closing->view) roi->view = nullptr;
+  letGoOfAnnotations(*closing);
+}
+
+void TestHost::letGoOfAnnotations(TestViewer& viewer) {
+  if (viewer.view->drawn) viewer.view->drawn->mode = pelmar::ROIModeSelected;
+  viewer.view->drawn = nullptr;
+  viewer.view->pressed = nullptr;
+  for (const Ref<TestROI>& roi : viewer.allROIs()) {
+    if (roi->curView() == viewer.view) roi->view = nullptr;
   }
+  for (const Ref<TestROIList>& list : viewer.sliceLists) list->shownOn(nullptr);
+}
+
+void TestHost::switchSeries(const Ref<TestViewer>& viewer, const Ref<TestStudy>& toStudy, const Series& series) {
+  post(pelmar::PelmarViewerWillChangeNotification, viewer);
+  viewer->everythingLoaded = false;
+  letGoOfAnnotations(*viewer);
+  loadSeries(*viewer, toStudy, series);
+  post(pelmar::PelmarViewerControllerDidLoadImagesNotification, viewer);
 }
 
 Ref<TestROI> TestHost::addROI(long type, const Ref<TestViewer>& viewer, std::size_t slice,

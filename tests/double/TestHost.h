@@ -83,11 +83,15 @@ class TestHost : public pelmar::PelmarAPI,
 
   /// A study with one ordinary series that holds one image.
   pelmar::Ref<TestStudy> addStudy(std::string uid, std::optional<std::string> description = std::nullopt);
-  /// Opens a viewer; in the log it is "viewer1", "viewer2", ... The first one opened is in front.
+  /// Opens a viewer; in the log it is "viewer1", "viewer2", ... The first one opened is in front. Nothing is posted.
   pelmar::Ref<TestViewer> addViewer(const pelmar::Ref<TestStudy>& study, const Series& series);
   /// Closes a viewer as the host does: it leaves the list, its closing is posted while it is still whole, then its
   /// window goes and its annotations are not shown any more.
   void closeViewer(const pelmar::Ref<TestViewer>& viewer);
+
+  /// Shows another series in a viewer as the host does: posts that it will change, lets the annotations go off the
+  /// view, loads, and posts that it has loaded.
+  void switchSeries(const pelmar::Ref<TestViewer>& viewer, const pelmar::Ref<TestStudy>& toStudy, const Series& series);
 
   /// An annotation on a slice's list, made without logging or posting anything.
   pelmar::Ref<TestROI> addROI(long type, const pelmar::Ref<TestViewer>& viewer, std::size_t slice,
@@ -118,6 +122,7 @@ class TestHost : public pelmar::PelmarAPI,
   pelmar::WindowServices& windowServices() override { return windows; }
 
  private:
+  void letGoOfAnnotations(TestViewer& viewer);
   pelmar::Ref<pelmar::ViewerController> frontMostDisplayed2DViewer() override { return frontMost; }
   void computeOriginalOrientationForPixArray(const pelmar::Ref<pelmar::List<pelmar::Ref<pelmar::DCMPix>>>& pixArray,
                                              long& orientationVector) override;

@@ -98,11 +98,14 @@ void TestROI::setThickness(float newThickness, bool globally) {
 
 void TestROIList::show(const Ref<ROI>& roi) {
   const Ref<TestROI> own = pelmar::ref_cast<TestROI>(roi);
-  if (own && !own->curView()) own->view = view_.lock();
+  if (!own) return;
+  own->deleted = false;
+  if (!own->curView()) own->view = view_.lock();
 }
 
 void TestROIList::addObject(const Ref<ROI>& roi) {
   record(log_, name_ + ".addObject(" + text(static_cast<double>(roi->type())) + ")");
+  if (!roi) return;
   VectorList::addObject(roi);
   show(roi);
 }
@@ -110,7 +113,7 @@ void TestROIList::addObject(const Ref<ROI>& roi) {
 void TestROIList::insertObject(const Ref<ROI>& roi, std::size_t atIndex) {
   record(log_, name_ + ".insertObject(" + text(static_cast<double>(roi->type())) + "," +
                    text(static_cast<double>(atIndex)) + ")");
-  if (atIndex > count()) return;
+  if (!roi || atIndex > count()) return;
   VectorList::insertObject(roi, atIndex);
   show(roi);
 }
@@ -145,17 +148,29 @@ void TestROIClass::deleteROIs(const std::vector<Ref<ROI>>& rois, bool postNotifi
   remove(rois, postNotification);
 }
 
+bool TestROIClass::isGone(const Ref<ROI>& roi) const {
+  const auto own = pelmar::ref_cast<TestROI>(roi);
+  if (!own || !own->deleted) return false;
+  return std::none_of(host_.everyViewer.begin(), host_.everyViewer.end(), [&](const Ref<TestViewer>& viewer) {
+    return std::any_of(viewer->sliceLists.begin(), viewer->sliceLists.end(),
+                       [&](const Ref<TestROIList>& list) { return list->containsObject(roi); });
+  });
+}
+
 void TestROIClass::remove(const std::vector<Ref<ROI>>& rois, bool postNotification) {
   std::unordered_set<const ROI*> doomed;
   std::vector<Ref<ROI>> inOrder;
   for (const Ref<ROI>& roi : rois) {
-    if (roi && doomed.insert(roi.get()).second) inOrder.push_back(roi);
+    if (roi && !isGone(roi) && doomed.insert(roi.get()).second) inOrder.push_back(roi);
   }
   if (inOrder.empty()) return;
   for (const Ref<TestViewer>& viewer : host_.everyViewer) {
     for (const Ref<TestROIList>& list : viewer->sliceLists) {
       std::erase_if(list->elements(), [&](const Ref<ROI>& roi) { return doomed.contains(roi.get()); });
     }
+  }
+  for (const Ref<ROI>& roi : inOrder) {
+    if (const auto own = pelmar::ref_cast<TestROI>(roi)) own->deleted = true;
   }
   for (const Ref<ROI>& roi : inOrder) {
     if (postNotification) host_.post(pelmar::PelmarRemoveROINotification, roi);

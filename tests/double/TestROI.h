@@ -53,6 +53,7 @@ class TestROI : public pelmar::ROI {
   long aliasIndex = 0;
   bool hiddenInKeyImages = false;
   bool keepsWindowSettings = false;
+  bool deleted = false;  ///< set once it was deleted, until it is put into a list again
   std::set<pelmar::Capability> capabilities{pelmar::Capability::ROIDontDisplayInKeyImagesWindow,
                                             pelmar::Capability::ROIStringTags};
 
@@ -101,11 +102,13 @@ class TestROI : public pelmar::ROI {
   Points sampled(double scale, std::vector<long>* segments) const;
 };
 
-/// The list of one slice; logs what is added and lets an annotation that had no view lie on the list's view.
+/// The list of one slice; logs what is added and lets an annotation that had no view lie on the list's view. Nil is not
+/// taken.
 class TestROIList : public pelmar::VectorList<pelmar::Ref<pelmar::ROI>> {
  public:
   TestROIList() = default;
   TestROIList(CallLog* log, std::string name) : log_(log), name_(std::move(name)) {}
+  /// Nil: the list is not shown any more.
   void shownOn(const pelmar::Ref<pelmar::DCMView>& view) { view_ = view; }
 
   void addObject(const pelmar::Ref<pelmar::ROI>& roi) override;
@@ -128,7 +131,8 @@ class TestROIClass : public pelmar::ROIClass {
   explicit TestROIClass(TestHost& host) : host_(host) {}
 
   bool makesROIs = true;  ///< false: roiWithType answers nil
-  /// Annotations made by roiWithType, oldest first; the log line is "roiWithType(5)".
+  /// Annotations made by roiWithType, oldest first, kept alive for the test to look at; the log line is
+  /// "roiWithType(5)".
   std::vector<pelmar::Ref<TestROI>> made;
 
   pelmar::Ref<pelmar::ROI> roiWithType(long type, const pelmar::Ref<pelmar::DCMView>& inView) override;
@@ -139,6 +143,8 @@ class TestROIClass : public pelmar::ROIClass {
   pelmar::PixelPoint pointBetweenPoint(pelmar::PixelPoint a, pelmar::PixelPoint b, double ratio) override;
 
  private:
+  /// It was deleted and stands in no list.
+  bool isGone(const pelmar::Ref<pelmar::ROI>& roi) const;
   void remove(const std::vector<pelmar::Ref<pelmar::ROI>>& rois, bool postNotification);
   TestHost& host_;
 };

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "host/Notification.h"
@@ -82,19 +83,21 @@ class TestApplication : public pelmar::Application {
   TestApplication(CallLog& log, const Files& files) : log_(log), files_(files) {}
   std::optional<std::string> version = "9.0";
   std::map<std::string, std::string, std::less<>> translations;
-  bool mainThread = true;
+  bool mainThread = true;           ///< false: every caller is told that it is on another thread
   std::vector<std::string> opened;  ///< web addresses, oldest first
 
   void activateIgnoringOtherApps(bool ignoring) override;
   void openURL(std::string_view address) override;
   std::optional<std::string> shortVersionString() const override { return version; }
   std::string localizedString(std::string_view text) const override;
-  bool isMainThread() const override { return mainThread; }
+  /// The main thread is the one that made the host.
+  bool isMainThread() const override { return mainThread && std::this_thread::get_id() == madeOn_; }
   bool fileExistsAtPath(const std::string& path) const override { return files_.contains(path); }
 
  private:
   CallLog& log_;
   const Files& files_;
+  const std::thread::id madeOn_ = std::this_thread::get_id();
 };
 
 /// Case for ASCII and Latin-1. Searching folds these, drops the accents of Latin-1 letters that decompose (not of

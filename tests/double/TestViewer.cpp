@@ -30,7 +30,11 @@ void TestView::orientationCorrectedToView(std::array<float, 9>& vector) const {
   }
 }
 
-void TestView::stopROIEditingForce(bool force) { record(log, name + ".stopROIEditingForce(" + text(force) + ")"); }
+void TestView::stopROIEditingForce(bool force) {
+  record(log, name + ".stopROIEditingForce(" + text(force) + ")");
+  if (drawn) drawn->mode = pelmar::ROIModeSelected;
+  drawn = nullptr;
+}
 
 pelmar::WindowPoint TestView::convertPointToWindow(ViewPoint point) const {
   return {frameRect.x + point.x, frameRect.y + point.y};
@@ -67,45 +71,57 @@ void TestViewer::needsDisplayUpdate() { record(log, name + ".needsDisplayUpdate(
 
 void TestViewer::setROIToolTag(long tag) {
   record(log, name + ".setROIToolTag(" + text(static_cast<double>(tag)) + ")");
+  if (toolChosen) toolChosen(*this);
   roiToolTag = tag;
+  drawsWithLeftButton = true;
 }
 
 void TestViewer::setToolTag(long tag) {
   record(log, name + ".setToolTag(" + text(static_cast<double>(tag)) + ")");
+  if (toolChosen) toolChosen(*this);
+  drawsWithLeftButton = false;
   if (view) view->tool = tag;
+}
+
+void loadSeries(TestViewer& viewer, const Ref<TestStudy>& study, const Series& series) {
+  viewer.study = study;
+  viewer.orientationCode = series.orientationCode;
+  viewer.everythingLoaded = series.everythingLoaded;
+  viewer.images.clear();
+  viewer.sliceLists.clear();
+  viewer.lists = pelmar::makeRef<pelmar::VectorList<Ref<pelmar::ROIList>>>();
+  TestView& view = *viewer.view;
+  view.study = study;
+  view.current = 0;
+  view.images = pelmar::makeRef<pelmar::VectorList<Ref<pelmar::DCMPix>>>();
+  view.roiLists = viewer.lists;
+  for (const SliceGeometry& slice : series.slices) {
+    const auto image = pelmar::makeRef<TestImage>(slice);
+    image->rgb = series.rgb;
+    viewer.images.push_back(image);
+    view.images->elements().push_back(image);
+    const auto list = pelmar::makeRef<TestROIList>(
+        viewer.log, viewer.name + ".roiList[" + std::to_string(viewer.sliceLists.size()) + "]");
+    list->shownOn(viewer.view);
+    viewer.sliceLists.push_back(list);
+    viewer.lists->elements().push_back(list);
+  }
 }
 
 Ref<TestViewer> makeViewer(CallLog* log, const std::string& name, const Ref<TestStudy>& study, const Series& series) {
   const auto viewer = pelmar::makeRef<TestViewer>();
   viewer->log = log;
   viewer->name = name;
-  viewer->study = study;
-  viewer->orientationCode = series.orientationCode;
-  viewer->everythingLoaded = series.everythingLoaded;
   viewer->shownIn = pelmar::makeRef<TestWindow>(log, name + ".window");
   viewer->shownIn->frameRect = {100, 100, 512, 512};
   viewer->shownIn->visible = true;
-  viewer->lists = pelmar::makeRef<pelmar::VectorList<Ref<pelmar::ROIList>>>();
   viewer->view = pelmar::makeRef<TestView>();
   TestView& view = *viewer->view;
   view.log = log;
   view.name = name + ".imageView";
   view.owner = Ref<pelmar::ViewerController>(viewer);
-  view.study = study;
   view.shownIn = viewer->shownIn;
-  view.images = pelmar::makeRef<pelmar::VectorList<Ref<pelmar::DCMPix>>>();
-  view.roiLists = viewer->lists;
-  for (const SliceGeometry& slice : series.slices) {
-    const auto image = pelmar::makeRef<TestImage>(slice);
-    image->rgb = series.rgb;
-    viewer->images.push_back(image);
-    view.images->elements().push_back(image);
-    const auto list =
-        pelmar::makeRef<TestROIList>(log, name + ".roiList[" + std::to_string(viewer->sliceLists.size()) + "]");
-    list->shownOn(viewer->view);
-    viewer->sliceLists.push_back(list);
-    viewer->lists->elements().push_back(list);
-  }
+  loadSeries(*viewer, study, series);
   return viewer;
 }
 

@@ -37,6 +37,8 @@ class TestView : public pelmar::DCMView {
   std::function<pelmar::ViewPoint(pelmar::PixelPoint)> pixelToView;  ///< replaces zoom and pan when set
   std::function<pelmar::PixelPoint(pelmar::ViewPoint)> viewToPixel;  ///< likewise
   std::optional<std::array<float, 9>> displayOrientation;            ///< default: the orientation of the slice shown
+  pelmar::Ref<TestROI> drawn;    ///< what a TestPerson is drawing here, in mode 1; nil when nothing is
+  pelmar::Ref<TestROI> pressed;  ///< what the mouse button is down for; its release is told even if drawing has ended
 
   pelmar::Ref<pelmar::ViewerController> viewer() const override { return owner.lock(); }
   pelmar::Ref<pelmar::DCMPix> curDCM() const override;
@@ -48,6 +50,7 @@ class TestView : public pelmar::DCMView {
   pelmar::ViewPoint ConvertFromGL2NSView(pelmar::PixelPoint point) const override;
   pelmar::PixelPoint ConvertFromNSView2GL(pelmar::ViewPoint point) const override;
   void orientationCorrectedToView(std::array<float, 9>& vector) const override;
+  /// Whatever is being drawn is finished, in mode 2; nothing is posted.
   void stopROIEditingForce(bool force) override;
   pelmar::FrameRect frame() const override { return frameRect; }
   pelmar::Ref<pelmar::Window> window() const override { return shownIn; }
@@ -68,7 +71,9 @@ class TestViewer : public pelmar::ViewerController {
   bool everythingLoaded = true;
   bool hasROIToolTag = true;  ///< whether the object offers ROIToolTag
   long roiToolTag = 0;
-  std::vector<pelmar::Ref<TestImage>> images;  ///< the same objects as the view's list
+  bool drawsWithLeftButton = false;                   ///< from the choice of an ROI tool to that of a mouse tool
+  std::function<void(const TestViewer&)> toolChosen;  ///< called as any tool is chosen, when set
+  std::vector<pelmar::Ref<TestImage>> images;         ///< the same objects as the view's list
   std::vector<pelmar::Ref<TestROIList>> sliceLists;
   pelmar::Ref<pelmar::VectorList<pelmar::Ref<pelmar::ROIList>>> lists;  ///< the same lists, as roiList answers them
 
@@ -91,6 +96,9 @@ class TestViewer : public pelmar::ViewerController {
   void setROIToolTag(long tag) override;
   void setToolTag(long tag) override;
 };
+
+/// Gives a viewer the slices and empty lists of a series.
+void loadSeries(TestViewer& viewer, const pelmar::Ref<TestStudy>& study, const Series& series);
 
 /// Makes a viewer with its view, slices, lists and window.
 pelmar::Ref<TestViewer> makeViewer(CallLog* log, const std::string& name, const pelmar::Ref<TestStudy>& study,
