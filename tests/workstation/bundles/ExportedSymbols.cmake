@@ -1,0 +1,22 @@
+# The module of the bundle exports its one C entry and nothing else of its own that another module could call by name.
+#   cmake -DMODULE=<file> -DNM=<program> -P ExportedSymbols.cmake
+if(NOT NM OR NOT EXISTS "${NM}")
+  message(STATUS "SKIPPED: there is no nm on this machine, so the exported symbols of ${MODULE} were NOT checked.")
+  return()
+endif()
+execute_process(COMMAND ${NM} -D --defined-only ${MODULE} OUTPUT_VARIABLE listing RESULT_VARIABLE failed)
+if(failed)
+  message(FATAL_ERROR "${NM} cannot read ${MODULE}.")
+endif()
+# Names in C, that is, not the mangled ones of C++ (_Z...), and not those that the linker itself puts into every module.
+string(REGEX MATCHALL "[0-9a-f]+ [A-Za-z] [^\n]+" lines "${listing}")
+set(names)
+foreach(line IN LISTS lines)
+  string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" name "${line}")
+  if(NOT name MATCHES "^_")
+    list(APPEND names ${name})
+  endif()
+endforeach()
+if(NOT names STREQUAL "vertana_bundle_entry")
+  message(FATAL_ERROR "${MODULE} must export vertana_bundle_entry and no other C name, but exports: ${names}")
+endif()
