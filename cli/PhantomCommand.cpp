@@ -16,7 +16,7 @@ int runPhantom(const PhantomArguments& arguments) {
   options.outDir = arguments.outDir;
   phantom::PhantomResult result;
   {
-    ProgressLine progress("Writing " + arguments.outDir);
+    ProgressLine progress("Writing the phantom");
     options.progress = [&](int done, int total) {
       return progress.show(static_cast<std::size_t>(done), static_cast<std::size_t>(total));
     };

@@ -51,7 +51,7 @@ Expected<StudyFolder> readStudyFolder(const std::string& path) {
   }
   workstation::ReadResult read;
   {
-    ProgressLine progress("Reading " + path);
+    ProgressLine progress("Reading the study");
     workstation::ReadOptions options;
     options.progress = [&](std::size_t done, std::size_t total) { return progress.show(done, total); };
     read = workstation::readImages(path, options);
