@@ -67,14 +67,15 @@ class DicomStudy : public HostObject {
 /// The host's database of studies.
 class DicomDatabase : public HostObject {
  public:
-  /// A fresh path inside the store; nothing is written yet. Nil: absent.
+  /// A fresh path inside the store, with the extension (without its dot); nothing is written yet. Nil: absent.
   virtual std::optional<std::string> uniquePathForNewDataFileWithExtension(std::string_view /*extension*/,
                                                                            const Ref<PersistentStore>& /*forStore*/) {
     return std::nullopt;
   }
   /// The database as an object that may be used off the main thread; this operation may be called there. Nil: nil.
   virtual Ref<DicomDatabase> independentDatabase() const { return {}; }
-  /// Imports files. Of the main object: main thread only. Nil: nothing.
+  /// Imports files: those that are not DICOM are passed over when `dicomOnly`, known ones are read again when
+  /// `rereadExistingItems`. Of the main object: main thread only. Nil: nothing.
   virtual void addFilesAtPaths(const std::vector<std::string>& /*paths*/, bool /*postNotifications*/,
                                bool /*dicomOnly*/, bool /*rereadExistingItems*/, bool /*generatedByPelmar*/) {}
 };
@@ -82,7 +83,7 @@ class DicomDatabase : public HostObject {
 /// The host's database window.
 class BrowserController : public HostObject {
  public:
-  /// Nil: nil.
+  /// The database that the window shows; lives at least as long as the window. Nil: nil.
   virtual Ref<DicomDatabase> database() const { return {}; }
 };
 
@@ -97,6 +98,7 @@ class BrowserControllerClass {
 /// A structured report that can carry an opaque block of bytes.
 class SRAnnotation : public HostObject {
  public:
+  /// The series that the report joins; one of its own unless this is called. Absent: as if not called. Nil: nothing.
   virtual void setSeriesInstanceUID(const std::optional<std::string>&) {}
   /// Whether the file was written. Nil: false.
   virtual bool writeToFileAtPath(const std::string& /*path*/) { return false; }

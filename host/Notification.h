@@ -61,6 +61,7 @@ class NotificationCenter {
                            Handler handler) = 0;
   /// Forgets everything that was added under this identity.
   virtual void removeObserver(const void* observer) = 0;
+  /// Calls the observers, in turn; returns when all have returned.
   virtual void postNotification(const Notification& notification) = 0;
 };
 

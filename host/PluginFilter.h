@@ -9,7 +9,8 @@
 namespace pelmar {
 
 /// Base class of a plug-in's object. The host makes one through the bundle's entry point, calls initPlugin once,
-/// filterImage each time one of the plug-in's menu entries is chosen, and dealloc before it lets the object go.
+/// filterImage each time one of the plug-in's menu entries is chosen, and dealloc before it lets the object go. No
+/// operation that the host calls lets an exception out.
 class PluginFilter {
  public:
   explicit PluginFilter(PelmarAPI& api) : api_(api) {}
@@ -17,6 +18,7 @@ class PluginFilter {
   PluginFilter& operator=(const PluginFilter&) = delete;
   virtual ~PluginFilter() = default;
 
+  /// Called once, after loading: the plug-in registers for what it wants to be told.
   virtual void initPlugin() {}
   /// `menuName`: title of the chosen menu entry. 0 on success.
   virtual long filterImage(const std::string& /*menuName*/) { return 0; }

@@ -40,6 +40,7 @@ class ROI : public HostObject {
   virtual long type() const { return 0; }
   /// See ROIMode. Nil: 0.
   virtual long ROImode() const { return 0; }
+  /// See ROIMode. Nil: nothing.
   virtual void setROIMode(long) {}
 
   /// The mutable point list, in pixels of the slice it lies on. Nil: nil.
@@ -63,43 +64,58 @@ class ROI : public HostObject {
 
   /// The bounding rectangle of point-like annotations, in pixels. Nil: empty.
   virtual PixelRect rect() const { return {}; }
+  /// In pixels. Nil: nothing.
   virtual void setROIRect(const PixelRect&) {}
 
   /// The view that it lies on; nil while it is not shown. Not kept alive by the annotation. Nil: nil.
   virtual Ref<DCMView> curView() const { return {}; }
   /// The slice it belongs to. Nil: nil.
   virtual Ref<DCMPix> pix() const { return {}; }
+  /// Nil: nothing.
   virtual void setPix(const Ref<DCMPix>&) {}
 
-  /// The mutable set of string tags. Nil: nil.
+  /// The mutable set of string tags. Only where Capability::ROIStringTags is supported. Nil: nil.
   virtual Ref<StringTags> stringTags() const { return {}; }
 
   /// The text that a text annotation shows, the caption of another. Nil: empty.
   virtual std::string name() const { return {}; }
+  /// Nil: nothing.
   virtual void setName(const std::string&) {}
+  /// Colour of its lines and text. Nil: opaque black.
   virtual Colour NSColor() const { return {}; }
   /// `globally` would change the default of this kind of annotation too; the plug-in always passes false.
+  /// Nil: nothing.
   virtual void setNSColor(const Colour&, bool /*globally*/) {}
   /// Line width in points; of a text, its font size in points. Nil: 0.
   virtual float thickness() const { return 0; }
+  /// Above 0, in points, of this annotation alone. Nil: nothing.
   virtual void setThickness(float) {}
+  /// The same; `globally` would change the default of this kind too, the plug-in always passes false. Nil: nothing.
   virtual void setThickness(float, bool /*globally*/) {}
+  /// Whether the person can select it, and so move or delete it. Nil: false.
   virtual bool selectable() const { return false; }
+  /// Nil: nothing.
   virtual void setSelectable(bool) {}
   /// Whether measurements are written beside it. Nil: false.
   virtual bool displayTextualData() const { return false; }
+  /// Nil: nothing.
   virtual void setDisplayTextualData(bool) {}
   /// Whether one object stands for every slice of its series. Nil: false.
   virtual bool isAliased() const { return false; }
+  /// Nil: nothing.
   virtual void setIsAliased(bool) {}
   /// The slice index that an aliased annotation was made for. Nil: 0.
   virtual long originalIndexForAlias() const { return 0; }
+  /// From 0. Nil: nothing.
   virtual void setOriginalIndexForAlias(long) {}
-  /// Keeps it out of the host's display of key images. Nil: false.
+  /// Keeps it out of the host's display of key images. Only where Capability::ROIDontDisplayInKeyImagesWindow is
+  /// supported. Nil: false.
   virtual bool dontDisplayInKeyImagesWindow() const { return false; }
+  /// Nil: nothing.
   virtual void setDontDisplayInKeyImagesWindow(bool) {}
   /// It must not change stored window settings. Nil: false.
   virtual bool dontSavePreferredWLWW() const { return false; }
+  /// Nil: nothing.
   virtual void setDontSavePreferredWLWW(bool) {}
 };
 

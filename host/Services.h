@@ -16,6 +16,7 @@ class UserDefaults {
   virtual ~UserDefaults() = default;
   /// Nil when there is no value under the key.
   virtual Value objectForKey(std::string_view key) const = 0;
+  /// Keeps the value under the key, in place of what was there.
   virtual void setObject(const Value& value, std::string_view forKey) = 0;
 };
 
@@ -45,6 +46,7 @@ class Application {
   virtual std::string localizedString(std::string_view text) const = 0;
   /// Whether the caller is on the main thread. May be called on any.
   virtual bool isMainThread() const = 0;
+  /// Whether there is a file that can be reached.
   virtual bool fileExistsAtPath(const std::string& path) const = 0;
 };
 
@@ -52,7 +54,9 @@ class Application {
 class TextServices {
  public:
   virtual ~TextServices() = default;
+  /// Letter by letter, independent of the person's language; what has no case stays.
   virtual std::string lowercaseString(std::string_view text) const = 0;
+  /// Likewise.
   virtual std::string uppercaseString(std::string_view text) const = 0;
   /// Whether `needle` stands anywhere in `text` when case, diacritics and character width are all ignored.
   /// An empty needle is never found.

@@ -14,12 +14,13 @@ class Window : public HostObject {
  public:
   /// On the screen, in points. Nil: empty.
   virtual FrameRect frame() const { return {}; }
+  /// Moves the window's bottom left corner there; its size stays. Nil: nothing.
   virtual void setFrameOrigin(ScreenPoint) {}
   /// Shows the window, in front of the others and with the keyboard. Nil: nothing.
   virtual void makeKeyAndOrderFront() {}
   /// Tells the delegate that it is about to close, then closes. A window that is not open: nothing. Nil: nothing.
   virtual void close() {}
-  /// Nil: false.
+  /// Whether it is on the screen, also behind others. Nil: false.
   virtual bool isVisible() const { return false; }
   /// From points of this window to the screen. Nil: (0, 0).
   virtual ScreenPoint convertBaseToScreen(WindowPoint) const { return {}; }
@@ -28,7 +29,7 @@ class Window : public HostObject {
 };
 
 /// What a plug-in gives the host for a window made from a description: the host calls these when the person acts.
-/// The host does not own it and stops calling once the window has closed.
+/// The host does not own it and stops calling once the window has closed. No operation lets an exception out.
 class WindowOwner {
  public:
   virtual ~WindowOwner() = default;
@@ -40,7 +41,7 @@ class WindowOwner {
   virtual bool setValue(const Value& value, std::string_view forKey) = 0;
 };
 
-/// Receives what happens to a window.
+/// Receives what happens to a window. No operation lets an exception out.
 class WindowDelegate {
  public:
   virtual ~WindowDelegate() = default;
@@ -55,6 +56,8 @@ class WindowServices {
   /// Makes a hidden window from the description with this name in the plug-in's bundle; nil when there is none.
   /// `owner` must outlive the window's open time.
   virtual Ref<Window> loadWindow(std::string_view windowDescription, WindowOwner& owner) = 0;
+  /// Who is told what happens to the window; null: nobody. Not owned; forgotten once the window has closed. A nil
+  /// window: nothing, here and below.
   virtual void setDelegate(const Ref<Window>& window, WindowDelegate* delegate) = 0;
   /// Whether new windows of this kind are placed stepwise beside each other.
   virtual void setShouldCascadeWindows(const Ref<Window>& window, bool cascade) = 0;
