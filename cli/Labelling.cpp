@@ -6,7 +6,6 @@
 namespace cli {
 
 using pelmar::PixelPoint;
-using pelmar::Ref;
 using pelmar::Value;
 using workstation::Workstation;
 

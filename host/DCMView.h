@@ -46,7 +46,7 @@ class DCMView : public HostObject {
   /// The window that it is in. Nil: nil.
   virtual Ref<Window> window() const { return {}; }
   /// From points of this view to the window (no target view). Nil: (0, 0).
-  virtual WindowPoint convertPointToWindow(ViewPoint) const { return {}; }
+  virtual WindowPoint convertPoint(ViewPoint, const Ref<DCMView>& /*toView*/) const { return {}; }
 };
 
 /// The class operations of DCMView.

@@ -71,7 +71,7 @@ void VertanaFilter::saveVerticalViewerTools(const Ref<ViewerController>& viewer)
 // The palette's top left corner goes to the image's first pixel, kept within the left and upper edges of the view.
 void VertanaFilter::placePalette() {
   const auto view = api().viewerControllerClass().frontMostDisplayed2DViewer()->imageView();
-  auto corner = view->convertPointToWindow(view->ConvertFromGL2NSView({0, 0}));
+  auto corner = view->convertPoint(view->ConvertFromGL2NSView({0, 0}), nullptr);
   const auto frame = view->frame();
   if (corner.x < 0) corner.x = 0;
   if (corner.y > frame.y + frame.height) corner.y = frame.y + frame.height;

@@ -55,7 +55,7 @@ TEST(NilAnswers, ofDCMView) {
   EXPECT_EQ(vector, before);
   EXPECT_TRUE(isZero(nil->frame()));
   EXPECT_TRUE(nil->window() == nullptr);
-  const WindowPoint inWindow = nil->convertPointToWindow({3, 4});
+  const WindowPoint inWindow = nil->convertPoint({3, 4}, nullptr);
   EXPECT_EQ(inWindow.x, 0);
   EXPECT_EQ(inWindow.y, 0);
 }

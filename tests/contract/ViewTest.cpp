@@ -39,7 +39,7 @@ TEST_P(View, liesInItsWindowAndThatOnTheScreen) {
   EXPECT_EQ(view()->frame().width, 640);
   EXPECT_EQ(view()->frame().height, 480);
   EXPECT_EQ(view()->window()->frame().x, 300);
-  const pelmar::WindowPoint inWindow = view()->convertPointToWindow({10, 20});
+  const pelmar::WindowPoint inWindow = view()->convertPoint({10, 20}, nullptr);
   EXPECT_EQ(inWindow.x, view()->frame().x + 10);
   EXPECT_EQ(inWindow.y, view()->frame().y + 20);
   const pelmar::ScreenPoint onScreen = view()->window()->convertBaseToScreen({10, 20});

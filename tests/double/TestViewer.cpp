@@ -36,7 +36,7 @@ void TestView::stopROIEditingForce(bool force) {
   drawn = nullptr;
 }
 
-pelmar::WindowPoint TestView::convertPointToWindow(ViewPoint point) const {
+pelmar::WindowPoint TestView::convertPoint(ViewPoint point, const Ref<DCMView>&) const {
   return {frameRect.x + point.x, frameRect.y + point.y};
 }
 

@@ -54,7 +54,7 @@ class TestView : public pelmar::DCMView {
   void stopROIEditingForce(bool force) override;
   pelmar::FrameRect frame() const override { return frameRect; }
   pelmar::Ref<pelmar::Window> window() const override { return shownIn; }
-  pelmar::WindowPoint convertPointToWindow(pelmar::ViewPoint point) const override;
+  pelmar::WindowPoint convertPoint(pelmar::ViewPoint point, const pelmar::Ref<pelmar::DCMView>& toView) const override;
 };
 
 /// One viewer. The fields are its answers; a test may change them at any time.

@@ -49,7 +49,9 @@ class View final : public pelmar::DCMView, public std::enable_shared_from_this<V
   void stopROIEditingForce(bool) override { drawing_.stop(); }
   pelmar::FrameRect frame() const override;
   pelmar::Ref<pelmar::Window> window() const override;
-  pelmar::WindowPoint convertPointToWindow(pelmar::ViewPoint point) const override { return {point.x, point.y}; }
+  pelmar::WindowPoint convertPoint(pelmar::ViewPoint point, const pelmar::Ref<pelmar::DCMView>&) const override {
+    return {point.x, point.y};
+  }
 
  private:
   void takeImageSize();

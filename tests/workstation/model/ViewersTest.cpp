@@ -172,7 +172,7 @@ TEST_F(Viewers, StandSideBySideOnTheScreenAndFillItFromTheTopLeft) {
   // The axial image is 100 x 80 pixels in 640 x 600 points: 6.4 points a pixel.
   EXPECT_DOUBLE_EQ(all[1].scale, 6.4);
   const auto view = workstation.controller(1)->imageView();
-  const auto onScreen = view->window()->convertBaseToScreen(view->convertPointToWindow({10, 20}));
+  const auto onScreen = view->window()->convertBaseToScreen(view->convertPoint({10, 20}, nullptr));
   EXPECT_EQ(onScreen.x, 650);
   EXPECT_EQ(onScreen.y, 620);
 }
