@@ -1,5 +1,7 @@
 #include "cli/Labelling.h"
 
+#include <map>
+
 #include "cli/VerticalSlice.h"
 #include "host/PelmarAPI.h"
 
@@ -60,21 +62,26 @@ Expected<bool> lookAtAxialSlices(Workstation& workstation) {
   return true;
 }
 
-std::optional<std::string> levelOfSlice(const Workstation& workstation, int viewer, int slice) {
-  for (const auto& annotation : workstation.annotations(viewer, slice)) {
-    if (annotation.roi->stringTags()->containsObject(axialLabelTag)) return annotation.roi->name();
+/// The level of each slice of a viewer; slices without one are absent.
+std::map<int, std::string> levelsOfSlices(const Workstation& workstation, int viewer) {
+  std::map<int, std::string> levels;
+  for (const auto& annotation : workstation.annotations(viewer)) {
+    if (!annotation.roi->stringTags()->containsObject(axialLabelTag)) continue;
+    for (const int slice : annotation.slices) levels.try_emplace(slice, annotation.roi->name());
   }
-  return std::nullopt;
+  return levels;
 }
 
 std::vector<LabelledSlice> axialSlices(const Workstation& workstation, const std::string& frameOfReference) {
   std::vector<LabelledSlice> slices;
   for (const auto& viewer : workstation.viewers()) {
     if (!isAxial(viewer)) continue;
+    const auto levels = levelsOfSlices(workstation, viewer.number);
     for (int i = 0; i < viewer.slices; ++i) {
+      const auto level = levels.find(i);
       const auto* record = workstation.sliceRecord(viewer.number, i);
       slices.push_back({workstation.series(viewer.stack)->number, viewer.stack.stack, i, record->sopInstanceUid,
-                        record->frame, levelOfSlice(workstation, viewer.number, i),
+                        record->frame, level == levels.end() ? std::nullopt : std::optional(level->second),
                         record->frameOfReferenceUid == frameOfReference});
     }
   }
