@@ -1,0 +1,37 @@
+#pragma once
+// Keyed archives: binary property lists in the form in which object graphs are archived. The writer is deterministic
+// and its result has an even length; the reader takes what other writers of the form make, within bounds.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/Database.h"
+#include "host/Point3D.h"
+#include "host/Services.h"
+#include "host/Value.h"
+#include "workstation/model/Outcome.h"
+
+namespace workstation {
+
+/// The archive of a value made of nil-free arrays, dictionaries, strings, numbers and points. Refused, with a sentence,
+/// when something in it cannot be archived.
+Result<pelmar::Bytes> writeArchive(const pelmar::Value& root);
+
+/// The value in an archive, its points made by `points`. Refused, with a sentence that says what is wrong and where,
+/// when it is not one, or exceeds a bound (see ArchiveBounds.h).
+Result<pelmar::Value> readArchive(const pelmar::Bytes& archive, pelmar::Point3DClass& points);
+
+/// The plug-in's way to both.
+class KeyedArchive final : public pelmar::KeyedArchiving {
+ public:
+  /// `points` must outlive it.
+  explicit KeyedArchive(pelmar::Point3DClass& points) : points_(points) {}
+  std::optional<pelmar::Bytes> archivedDataWithRootObject(const pelmar::Value& root) const override;
+  pelmar::Value unarchiveObjectWithData(const pelmar::Bytes& data) const override;
+
+ private:
+  pelmar::Point3DClass& points_;
+};
+
+}  // namespace workstation
