@@ -96,21 +96,26 @@ std::optional<std::string> labelOfRegion(const std::map<long, std::string>& labe
 
 std::optional<std::string> VertanaFilter::nameForSliceAtIndex(long index, const Ref<DCMView>& onAxialView) {
   const auto& planes = intervertebralPlanes();
-  if (!planes || planes->empty()) return std::nullopt;
+  if (!planes) return std::nullopt;
+  return nameForSlice(onAxialView->dcmPixList()->objectAtIndex(static_cast<std::size_t>(index)), *planes);
+}
+
+std::optional<std::string> VertanaFilter::nameForSlice(const Ref<DCMPix>& slice,
+                                                       const std::vector<IntervertebralPlane>& planes) const {
+  if (planes.empty()) return std::nullopt;
   auto& geometry = api().dcmViewClass();
-  const auto slice = slicePlaneOf(onAxialView->dcmPixList()->objectAtIndex(static_cast<std::size_t>(index)));
-  const auto nearest = nearestPlane(*planes, slice, geometry);
+  const auto nearest = nearestPlane(planes, slicePlaneOf(slice), geometry);
   const auto b = nearest.index;
   NeighbourPlane previous;
   NeighbourPlane next;
-  if (b >= 1) previous = neighbourOf(nearest, (*planes)[b - 1], geometry);
-  if (b + 1 < planes->size()) next = neighbourOf(nearest, (*planes)[b + 1], geometry);
+  if (b >= 1) previous = neighbourOf(nearest, planes[b - 1], geometry);
+  if (b + 1 < planes.size()) next = neighbourOf(nearest, planes[b + 1], geometry);
 
   const auto choice = chooseSliceName(static_cast<long>(b), nearest.distanceMm, previous, next);
   switch (choice.kind) {
     case SliceNameKind::NearestPlane:
     case SliceNameKind::OtherPlane:
-      return (*planes)[static_cast<std::size_t>(choice.index)].name;
+      return planes[static_cast<std::size_t>(choice.index)].name;
     case SliceNameKind::Vertebra: {
       const auto vertebrae = currentVertebraeLabels();
       if (choice.index < 0 || static_cast<std::size_t>(choice.index) >= vertebrae.size()) return std::nullopt;

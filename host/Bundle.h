@@ -10,7 +10,7 @@
 namespace pelmar {
 
 /// Raised with every change of the contract's classes.
-inline constexpr int contractVersion = 1;
+inline constexpr int contractVersion = 2;
 
 extern "C" {
 struct VertanaBundleEntry {

@@ -31,6 +31,9 @@ class PluginFilter {
   /// The answer to a named question that the plug-in documents; nil for one it does not know. Changes nothing.
   virtual Value valueForKey(std::string_view /*key*/) const { return {}; }
 
+  /// The same about an object of the host, such as the name of a slice. Nil for an object of another kind.
+  virtual Value valueForObject(const Ref<HostObject>& /*object*/, std::string_view /*key*/) const { return {}; }
+
   /// All open 2D viewers, in the host's order.
   std::vector<Ref<ViewerController>> viewerControllersList() const { return api_.viewerControllersList(); }
 

@@ -117,4 +117,13 @@ Value VertanaFilter::valueForKey(std::string_view key) const try {
   return {};
 }
 
+Value VertanaFilter::valueForObject(const Ref<pelmar::HostObject>& object, std::string_view key) const try {
+  const auto slice = pelmar::ref_cast<pelmar::DCMPix>(object);
+  if (key != "sliceName" || !slice || !intervertebralPlanes_) return {};
+  const auto name = nameForSlice(slice, *intervertebralPlanes_);
+  return name ? Value(*name) : Value();
+} catch (...) {
+  return {};
+}
+
 }  // namespace vertana

@@ -66,6 +66,9 @@ class VertanaFilter : public pelmar::PluginFilter {
   /// "guessedAnatomicalRegion": the guess for the study at hand, -1 when there is none. "intervertebralPlanesLabels":
   /// the disc names of the current region, head to foot.
   pelmar::Value valueForKey(std::string_view key) const override;
+  /// "sliceName" of a DCMPix: the level that the slice cuts, by the planes in memory; nil when there are none, and for
+  /// a slice beyond the ends.
+  pelmar::Value valueForObject(const pelmar::Ref<pelmar::HostObject>& object, std::string_view key) const override;
 
   /// Loads what the study holds and redraws it; does nothing unless a workflow runs on a study.
   void startWorkflow();
@@ -229,6 +232,9 @@ class VertanaFilter : public pelmar::PluginFilter {
 
   // --- Axial slice names (display/AxialNames.cpp) ---
 
+  /// The level that a slice cuts.
+  std::optional<std::string> nameForSlice(const pelmar::Ref<pelmar::DCMPix>& slice,
+                                          const std::vector<IntervertebralPlane>& planes) const;
   std::optional<std::string> nameForSliceAtIndex(long index, const pelmar::Ref<pelmar::DCMView>& onAxialView);
   void setName(std::optional<std::string> name, long forSliceAtIndex, const pelmar::Ref<pelmar::DCMView>& onAxialView);
   void displayLabelsForSliceAtIndex(long index, const pelmar::Ref<pelmar::DCMView>& onAxialView);

@@ -97,6 +97,23 @@ TEST_F(AxialNames, withoutPlanesThereIsNoName) {
   EXPECT_EQ(nameAtZ(0), std::nullopt);
 }
 
+TEST_F(AxialNames, hostMayAskForTheNameOfAnySlice) {
+  const Ref<pelmar::DCMPix> atDisc = axial->view->dcmPixList()->objectAtIndex(120 - 30);
+  const auto asked = [this](const Ref<pelmar::HostObject>& object, std::string_view key = "sliceName") {
+    return filter.valueForObject(object, key);
+  };
+  curveThrough({{200, 20}, {200, 380}});
+  EXPECT_TRUE(asked(atDisc).isNil()) << "asking computes no planes";
+  EXPECT_EQ(filter.stateSnapshot().dictionary()->at("intervertebralPlanes"), pelmar::Value());
+  holdLumbarPlanes();
+  EXPECT_EQ(asked(atDisc), pelmar::Value("L2-L3"));
+  EXPECT_EQ(asked(axial->view->dcmPixList()->objectAtIndex(120 - 15)), pelmar::Value("L3")) << "half way down to L3-L4";
+  EXPECT_TRUE(asked(axial->view->dcmPixList()->objectAtIndex(0)).isNil()) << "30 mm above the first disc";
+  EXPECT_TRUE(asked(atDisc, "name").isNil());
+  EXPECT_TRUE(asked(axial).isNil()) << "a viewer is no slice";
+  EXPECT_TRUE(asked(nullptr).isNil());
+}
+
 TEST_F(AxialNames, singlePlaneNamesEverySlice) {
   filter.setIntervertebralPlanes({{plane("L4-L5", {0, 0, 0})}});
   EXPECT_EQ(nameAtZ(0), Name("L4-L5"));

@@ -33,7 +33,7 @@ class Bundles : public testing::Test {
     std::error_code error;
     fs::remove_all(folder.parent_path(), error);
   }
-  static std::string manifest(const std::string& contractVersion = "1") {
+  static std::string manifest(const std::string& contractVersion = "2") {
     return R"({"name": "Test", "version": "1.0", "contractVersion": )" + contractVersion +
            R"(, "module": "Test.so", "menuEntries": ["Labels", "More"]})";
   }
@@ -124,20 +124,20 @@ TEST_F(Bundles, AManifestWithoutAnEntryOrWithAWrongTypeIsRefused) {
   const std::string file = (folder / "manifest.json").string();
   write("manifest.json", "[1, 2]");
   EXPECT_EQ(reason(), file + " has no \"name\".");
-  write("manifest.json", R"({"name": "Test", "version": "1.0", "contractVersion": "1", "module": "Test.so"})");
+  write("manifest.json", R"({"name": "Test", "version": "1.0", "contractVersion": "2", "module": "Test.so"})");
   EXPECT_EQ(reason(), file + " has no number under \"contractVersion\".");
-  write("manifest.json", R"({"name": "Test", "version": "1.0", "contractVersion": 1, "module": "Test.so"})");
+  write("manifest.json", R"({"name": "Test", "version": "1.0", "contractVersion": 2, "module": "Test.so"})");
   EXPECT_EQ(reason(), file + " lists no \"menuEntries\".");
   write("manifest.json",
-        R"({"name": "Test", "version": "1", "contractVersion": 1, "module": "../Test.so", "menuEntries": ["Labels"]})");
+        R"({"name": "Test", "version": "1", "contractVersion": 2, "module": "../Test.so", "menuEntries": ["Labels"]})");
   EXPECT_EQ(reason(), file + " names a \"module\" outside the bundle: ../Test.so.");
 }
 
 TEST_F(Bundles, AManifestForAnotherContractIsRefusedBeforeTheModuleIsTouched) {
-  write("manifest.json", manifest("2"));
+  write("manifest.json", manifest("3"));
   fs::remove(folder / "Test.so");
   EXPECT_EQ(reason(),
-            "it was made for version 2 of the host's contract, and this host has version 1; install a version of the "
+            "it was made for version 3 of the host's contract, and this host has version 2; install a version of the "
             "plug-in that fits.");
 }
 
@@ -166,7 +166,7 @@ TEST_F(Bundles, AModuleWhoseEntryIsNothingIsRefused) {
 TEST_F(Bundles, AModuleForAnotherContractIsRefusedBeforeAnythingElseOfItIsCalled) {
   useModule("future_module");
   EXPECT_EQ(reason(),
-            "its module was made for version 99 of the host's contract, and this host has version 1; install a version "
+            "its module was made for version 99 of the host's contract, and this host has version 2; install a version "
             "of the plug-in that fits.");
   EXPECT_EQ(told(), "");
 }
