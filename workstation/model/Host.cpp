@@ -42,8 +42,8 @@ Host::Host(Options options)
       browserClass_(options_.reports),
       defaults_(options_.defaultsStore, options_.defaults),
       alerts_(options_.listeners),
-      desktop_(options_.hostVersion, options_.listeners),
-      palettes_(options_.listeners) {
+      desktop_(options_.hostVersion, options_.listeners, options_.reports),
+      palettes_(options_.listeners, options_.reports) {
   events_.setFinished(options_.listeners.eventFinished);
 }
 

@@ -62,6 +62,8 @@ class Host final : public pelmar::PelmarAPI {
   std::shared_ptr<Viewer> frontViewer() const { return stacking_.empty() ? nullptr : stacking_.back(); }
 
   EventLoop& events() { return events_; }
+  /// Null without a database.
+  StudyReports* reports() const { return options_.reports; }
   RoiClass& roiClassObject() { return roiClass_; }
   PaletteWindows& palettes() { return palettes_; }
   Alerts& alerts() { return alerts_; }

@@ -27,6 +27,9 @@ struct Workstation::Interior {
     return host.events().run(operation);
   }
 
+  /// The stack on which the curve in the plug-in's memory lies, when it is one of this study.
+  std::optional<StackId> drawnStack(const std::string& studyUid) const;
+
   /// The open viewer with this number; null when there is none.
   std::shared_ptr<Viewer> find(int number) const;
   static Outcome notOpen(int number);
@@ -49,6 +52,15 @@ struct Workstation::Interior {
       if (!window || !window->owner())
         return Outcome::refused("No palette is open: choose the plug-in's menu entry first.");
       return operation(*window);
+    });
+  }
+
+  /// The same for what the person does with its controls.
+  template <class Operation>
+  Outcome usePalette(Operation&& operation) {
+    return withPalette([&](PaletteWindow& window) -> Outcome {
+      if (StudyReports* reports = host.reports()) reports->paletteEvent();
+      return operation(window);
     });
   }
 };

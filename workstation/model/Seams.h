@@ -2,12 +2,14 @@
 // What others may plug into the model. Everything is optional: without it the model answers as if there were none.
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "host/Database.h"
 #include "host/Value.h"
+#include "workstation/model/ReportContext.h"
 
 namespace workstation {
 
@@ -36,6 +38,25 @@ class StudyReports {
   /// The report with that series number and description that counts; nil when there is none.
   virtual pelmar::Ref<pelmar::DicomImage> report(const std::string& studyUid, long seriesNumber,
                                                  std::string_view seriesDescription) = 0;
+
+  /// Whether a report that is not on disk (yet) can be read under this path all the same.
+  virtual bool holdsInMemory(const std::string& /*path*/) const { return false; }
+
+  // What the model tells. Main thread only.
+
+  /// The plug-in's palette has come onto the screen, by a menu command from a viewer of that study.
+  virtual void paletteOpened(const std::string& /*studyUid*/) {}
+  /// It has closed, whoever closed it, and the plug-in has done what it does then.
+  virtual void paletteClosed() {}
+  /// The person is about to use a control of the palette or to close it.
+  virtual void paletteEvent() {}
+  /// The program ends as a person ends it: the palette and every viewer have closed.
+  virtual void quitting() {}
+
+  /// What a report of that study can tell beyond the state; nothing when the study is not known.
+  using ContextSource = std::function<std::optional<ReportContext>(const std::string& studyUid)>;
+  /// Whom to ask, on the main thread, when a labelling is about to be written.
+  virtual void setContextSource(ContextSource) {}
 };
 
 /// A panel that was shown to the person.

@@ -61,6 +61,7 @@ void Desktop::openURL(std::string_view address) {
 }
 
 bool Desktop::fileExistsAtPath(const std::string& path) const {
+  if (reports_ && reports_->holdsInMemory(path)) return true;
   std::error_code error;
   return std::filesystem::exists(path, error);
 }

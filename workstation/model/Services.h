@@ -47,8 +47,9 @@ class Alerts final : public pelmar::AlertPanels {
 
 class Desktop final : public pelmar::Application {
  public:
-  Desktop(std::optional<std::string> version, const Listeners& listeners)
-      : version_(std::move(version)), listeners_(listeners) {}
+  /// `reports` may be null.
+  Desktop(std::optional<std::string> version, const Listeners& listeners, const StudyReports* reports)
+      : version_(std::move(version)), listeners_(listeners), reports_(reports) {}
 
   std::vector<std::string> takeOpenedAddresses() { return std::exchange(opened_, {}); }
 
@@ -58,11 +59,13 @@ class Desktop final : public pelmar::Application {
   std::string localizedString(std::string_view text) const override { return std::string(text); }
   /// Whether the caller is on the thread that made the workstation.
   bool isMainThread() const override { return std::this_thread::get_id() == mainThread_; }
+  /// Also for a report that is held in memory under that path.
   bool fileExistsAtPath(const std::string& path) const override;
 
  private:
   std::optional<std::string> version_;
   const Listeners& listeners_;
+  const StudyReports* reports_;
   std::thread::id mainThread_ = std::this_thread::get_id();
   std::vector<std::string> opened_;
 };

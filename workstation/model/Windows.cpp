@@ -66,8 +66,9 @@ void PaletteWindows::forgetPlugin() {
 }
 
 void PaletteWindows::shown(const std::shared_ptr<PaletteWindow>& window) {
-  std::erase(open_, window);
+  const bool opens = std::erase(open_, window) == 0;
   open_.push_back(window);
+  if (opens && reports_) reports_->paletteOpened(commandStudy_);
   moved();
 }
 
@@ -77,6 +78,7 @@ void PaletteWindows::moved() const {
 
 void PaletteWindows::closed(const std::shared_ptr<PaletteWindow>& window) {
   std::erase(open_, window);
+  if (reports_) reports_->paletteClosed();
   if (!window->frameAutosaveName().empty()) remembered_[window->frameAutosaveName()] = window->frame();
   moved();
 }

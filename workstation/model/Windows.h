@@ -62,9 +62,12 @@ class PaletteWindows final : public pelmar::WindowServices {
  public:
   using Descriptions = std::function<std::optional<WindowDescription>(std::string_view name)>;
 
-  explicit PaletteWindows(const Listeners& listeners) : listeners_(listeners) {}
+  /// `reports`, told when a window opens and closes, may be null.
+  PaletteWindows(const Listeners& listeners, StudyReports* reports) : listeners_(listeners), reports_(reports) {}
 
   void setDescriptions(Descriptions descriptions) { descriptions_ = std::move(descriptions); }
+  /// The study of the viewer from which the person chose the plug-in's menu entry; windows that open belong to it.
+  void setCommandStudy(const std::string& studyUid) { commandStudy_ = studyUid; }
   /// The window that was shown last and is still open; null when none is.
   std::shared_ptr<PaletteWindow> open() const { return open_.empty() ? nullptr : open_.back(); }
   /// Takes every window off the screen without telling the plug-in, which goes.
@@ -83,6 +86,8 @@ class PaletteWindows final : public pelmar::WindowServices {
 
  private:
   const Listeners& listeners_;
+  StudyReports* reports_;
+  std::string commandStudy_;
   Descriptions descriptions_;
   std::vector<std::shared_ptr<PaletteWindow>> open_;                  ///< in the order shown
   std::vector<std::weak_ptr<PaletteWindow>> made_;                    ///< all that the plug-in may still hold

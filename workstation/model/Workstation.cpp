@@ -57,6 +57,7 @@ Outcome Workstation::chooseMenu(int viewer, const std::string& title) {
       return Outcome::refused("The menu entry \"" + title + "\" cannot be chosen: no plug-in is loaded.");
     }
     interior_->host.bringToFront(chosen);
+    interior_->host.palettes().setCommandStudy(chosen->stackId().studyUid);
     pelmar::PluginFilter& filter = interior_->plugin->filter();
     filter.setCommandViewerController(pelmar::Ref<pelmar::ViewerController>(chosen));
     filter.filterImage(title);
@@ -125,7 +126,7 @@ std::optional<PaletteInfo> Workstation::palette() const {
 }
 
 Outcome Workstation::pressPalette(const std::string& action) {
-  return interior_->withPalette([&](PaletteWindow& window) -> Outcome {
+  return interior_->usePalette([&](PaletteWindow& window) -> Outcome {
     const std::string whole = !action.empty() && action.back() == ':' ? action : action + ":";
     if (window.owner()->performAction(whole)) return Outcome::done();
     return Outcome::refused("The palette has no control with the action \"" + action + "\".");
@@ -133,14 +134,14 @@ Outcome Workstation::pressPalette(const std::string& action) {
 }
 
 Outcome Workstation::closePalette() {
-  return interior_->withPalette([](PaletteWindow& window) {
+  return interior_->usePalette([](PaletteWindow& window) {
     window.close();
     return Outcome::done();
   });
 }
 
 Outcome Workstation::setPaletteValue(const std::string& key, const pelmar::Value& value) {
-  return interior_->withPalette([&](PaletteWindow& window) -> Outcome {
+  return interior_->usePalette([&](PaletteWindow& window) -> Outcome {
     if (window.owner()->setValue(value, key)) return Outcome::done();
     return Outcome::refused("The palette has no setting \"" + key + "\" that takes this value.");
   });
@@ -176,6 +177,7 @@ void Workstation::quit() {
     const auto viewer = interior_->host.viewers().front();
     interior_->run([&] { interior_->host.closeViewer(viewer); });
   }
+  if (StudyReports* reports = interior_->host.reports()) reports->quitting();
 }
 
 }  // namespace workstation

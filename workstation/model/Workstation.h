@@ -17,6 +17,7 @@
 #include "host/PelmarAPI.h"
 #include "workstation/model/Outcome.h"
 #include "workstation/model/PluginHandle.h"
+#include "workstation/model/ReportContext.h"
 #include "workstation/model/Seams.h"
 #include "workstation/model/Stacks.h"
 
@@ -123,6 +124,13 @@ class Workstation {
   pelmar::Value pluginState() const;
   /// The plug-in's answer to a named question (PluginFilter::valueForKey); nil without a plug-in. Changes nothing.
   pelmar::Value pluginAnswer(std::string_view question) const;
+  /// The level that the plug-in gives a slice by the planes that it has in memory, whether a viewer shows the slice or
+  /// not. Nothing for a slice beyond the ends, one that is not there, and one in colour, which the plug-in never names.
+  std::optional<std::string> levelOfSlice(const StackId& stack, std::size_t slice) const;
+  /// What a report of the labelling in the plug-in's memory tells beyond it: where it was drawn, and every axial slice
+  /// that has a level, stacks in order of Series Number. Nothing for a study that was not added or has no vertical
+  /// stack.
+  std::optional<ReportContext> reportContext(const std::string& studyUid) const;
 
   // --- studies -----------------------------------------------------------------------------------------------------
 
@@ -248,7 +256,7 @@ class Workstation {
   std::vector<std::string> takeOpenedAddresses();
   pelmar::Value::Dictionary userDefaults() const;
 
-  /// Ends as a person does: closes the palette, then each viewer in the order of opening.
+  /// Ends as a person does: closes the palette, then each viewer in the order of opening; then tells the reports.
   void quit();
 
   /// The loop in which all of the above run as events.

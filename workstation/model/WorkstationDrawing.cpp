@@ -32,6 +32,19 @@ void add(std::vector<AnnotationInfo>& infos, std::unordered_map<int, std::size_t
   if (slices.empty() || slices.back() != slice) slices.push_back(slice);
 }
 
+/// The slices of a series whose lists hold the annotation, ascending. Looks at no more lists than it can stand in: most
+/// annotations stand in one.
+std::vector<int> slicesHolding(const SeriesRoiLists& lists, const Ref<ROI>& roi) {
+  std::vector<int> slices;
+  for (const Roi::Membership& membership : ownRoi(roi)->memberships()) {
+    if (membership.lists != &lists) continue;
+    for (std::size_t slice = membership.first; slice <= membership.last; ++slice) {
+      if (lists.list(slice).containsObject(roi)) slices.push_back(static_cast<int>(slice));
+    }
+  }
+  return slices;
+}
+
 }  // namespace
 
 Outcome Workstation::selectMouseTool(int viewer, long tag) {
@@ -204,15 +217,13 @@ std::vector<AnnotationInfo> Workstation::annotations(int viewer) const {
 }
 
 std::vector<AnnotationInfo> Workstation::annotations(int viewer, int slice) const {
-  std::vector<AnnotationInfo> infos = annotations(viewer);
-  std::erase_if(infos, [&](const AnnotationInfo& info) {
-    return !std::binary_search(info.slices.begin(), info.slices.end(), slice);
-  });
+  std::vector<AnnotationInfo> infos;
   const auto shown = interior_->find(viewer);
-  if (infos.empty() || !shown) return infos;
-  const auto& order = shown->view().lists().list(static_cast<std::size_t>(slice)).entries();
-  const auto place = [&](const AnnotationInfo& info) { return std::find(order.begin(), order.end(), info.roi); };
-  std::sort(infos.begin(), infos.end(), [&](const auto& a, const auto& b) { return place(a) < place(b); });
+  if (!shown || !sliceRecord(viewer, slice)) return infos;
+  const SeriesRoiLists& lists = shown->view().lists();
+  std::unordered_map<int, std::size_t> places;
+  for (const Ref<ROI>& roi : lists.list(static_cast<std::size_t>(slice)).entries()) add(infos, places, roi, slice);
+  for (AnnotationInfo& info : infos) info.slices = slicesHolding(lists, info.roi);
   return infos;
 }
 
