@@ -19,8 +19,14 @@ namespace workstation {
 Result<pelmar::Bytes> writeArchive(const pelmar::Value& root);
 
 /// The value in an archive, its points made by `points`. Refused, with a sentence that says what is wrong and where,
-/// when it is not one, or exceeds a bound (see ArchiveBounds.h).
+/// when it is not one, or exceeds a bound (see ArchiveBounds.h). The bytes must be the archive exactly: a binary one
+/// with a byte behind it is refused.
 Result<pelmar::Value> readArchive(const pelmar::Bytes& archive, pelmar::Point3DClass& points);
+
+/// The value in the bytes of a DICOM element, which has an even length: an archive of odd length, made by another
+/// program, has a byte behind it there. What cannot be read is tried once more without its last byte. (The plug-in
+/// makes this second try itself, on what readArchive refused.)
+Result<pelmar::Value> readPaddedArchive(const pelmar::Bytes& archive, pelmar::Point3DClass& points);
 
 /// The plug-in's way to both.
 class KeyedArchive final : public pelmar::KeyedArchiving {
