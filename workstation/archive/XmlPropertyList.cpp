@@ -1,6 +1,7 @@
 #include "workstation/archive/XmlPropertyList.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <limits>
 #include <system_error>
@@ -140,6 +141,9 @@ bool XmlPropertyListParser::add(const PlistNode& node) {
 }
 
 bool XmlPropertyListParser::readLeaf(const Tag& tag) {
+  constexpr std::array<std::string_view, 8> names{"string", "key", "integer", "real", "true", "false", "data", "date"};
+  if (std::find(names.begin(), names.end(), tag.name) == names.end())
+    return scanner_.refuse("<" + std::string(tag.name) + "> is not an element of property lists");
   PlistNode node;
   if (tag.name == "true" || tag.name == "false") {
     node.kind = PlistNode::Kind::Boolean;
@@ -160,10 +164,9 @@ bool XmlPropertyListParser::readContent(const Tag& tag, PlistNode& node) {
   const std::string text = list_.texts_.substr(begin);
   list_.texts_.resize(begin);
   if (tag.name == "integer" || tag.name == "real") return readNumberElement(tag.name, text, node);
-  if (node.kind == PlistNode::Kind::Boolean)
-    return trimmed(text).empty() || scanner_.refuse("<" + std::string(tag.name) + "> holds a text");
-  return tag.name == "data" || tag.name == "date" ||
-         scanner_.refuse("<" + std::string(tag.name) + "> is not an element of property lists");
+  if (node.kind == PlistNode::Kind::Boolean && !trimmed(text).empty())
+    return scanner_.refuse("<" + std::string(tag.name) + "> holds a text");
+  return true;
 }
 
 bool XmlPropertyListParser::readNumberElement(std::string_view name, std::string_view text, PlistNode& node) {
