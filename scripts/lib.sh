@@ -10,7 +10,7 @@ sourceFolders=(host plugin spine geometry display state workstation phantom cli 
 # What a program of ours is built from, and what only the tests need. The optional ones speed things up or serve as
 # independent judges: without them the build goes on and the tests that need them say that they skip.
 packagesToBuild=(build-essential cmake ninja-build pkg-config libdcmtk-dev libopenjp2-7-dev nlohmann-json3-dev libcli11-dev
-                 libutf8proc-dev)
+                 libsqlitecpp-dev libutf8proc-dev)
 packagesToBuildOptional=(ccache)
 packagesToTest=("${packagesToBuild[@]}" libgtest-dev libgmock-dev libbenchmark-dev)
 packagesToTestOptional=(ccache dcmtk dicom3tools python3-pydicom)

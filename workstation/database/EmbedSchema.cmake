@@ -1,0 +1,10 @@
+# Writes the numbered .sql files into a source file: cmake -DOUTPUT=<file> -DFOLDER=<folder> -DCOUNT=<n> -P <this>
+set(text "#include \"workstation/database/Schema.h\"\n\nnamespace workstation {\n\n")
+string(APPEND text "const std::vector<std::string_view>& schemaUpgrades() {\n")
+string(APPEND text "  static const std::vector<std::string_view> upgrades = {\n")
+foreach(number RANGE 1 ${COUNT})
+  file(READ ${FOLDER}/${number}.sql sql)
+  string(APPEND text "R\"sql(${sql})sql\",\n")
+endforeach()
+string(APPEND text "  };\n  return upgrades;\n}\n\n}  // namespace workstation\n")
+file(WRITE ${OUTPUT} "${text}")

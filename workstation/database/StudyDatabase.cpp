@@ -1,0 +1,220 @@
+#include "workstation/database/StudyDatabase.h"
+
+#include <SQLiteCpp/Exception.h>
+
+#include <algorithm>
+#include <map>
+#include <system_error>
+#include <utility>
+
+#include "workstation/database/Index.h"
+#include "workstation/database/IndexFile.h"
+#include "workstation/database/StudyDatabaseInterior.h"
+#include "workstation/dicom/Copies.h"
+#include "workstation/dicom/Toolkit.h"
+
+namespace workstation {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Opened = Result<std::unique_ptr<StudyDatabase>>;
+
+std::string stateOf(const FileStamp& file) { return file.folder + "/" + file.name; }
+
+/// The files of a listing that the index does not have in this state, and the entries whose files are gone.
+struct Difference {
+  std::vector<FileStamp> fresh;
+  std::vector<IndexedFile> gone;
+};
+
+Difference differenceOf(const std::vector<IndexedFile>& known, const FolderListing& listing) {
+  std::map<std::string, const IndexedFile*, std::less<>> waiting;
+  for (const IndexedFile& file : known) waiting.emplace(stateOf(file.stamp), &file);
+  Difference difference;
+  for (const FileStamp& file : listing.files) {
+    const auto found = waiting.find(stateOf(file));
+    if (found == waiting.end() || !found->second->stamp.isSameState(file)) difference.fresh.push_back(file);
+    if (found != waiting.end()) waiting.erase(found);
+  }
+  for (const auto& [name, file] : waiting) difference.gone.push_back(*file);
+  std::sort(difference.fresh.begin(), difference.fresh.end(),
+            [](const FileStamp& a, const FileStamp& b) { return isPathBefore(stateOf(a), stateOf(b)); });
+  return difference;
+}
+
+}  // namespace
+
+StudyDatabase::StudyDatabase(Kind kind, fs::path root, std::string onlyFile, fs::path indexFile,
+                             const OpenOptions& options)
+    : kind_(kind),
+      root_(std::move(root)),
+      indexFile_(std::move(indexFile)),
+      disk_(options.disk),
+      scan_(root_, std::move(onlyFile)) {}
+
+StudyDatabase::~StudyDatabase() = default;
+
+void StudyDatabase::readWithoutIndex(const std::string& reason) {
+  notices_.push_back("The index " + indexFile_.string() + " cannot be used any longer because of an error (" + reason +
+                     "): the studies are read from their files until the folder is opened again.");
+  index_ = std::make_unique<Index>();
+  update(scan_.all(), {});
+}
+
+Opened StudyDatabase::openDatabase(const fs::path& folder, const OpenOptions& options) {
+  const fs::path studies = folder / "studies";
+  std::error_code error;
+  fs::create_directories(studies, error);
+  if (!fs::is_directory(studies))
+    return Opened::refused("The database folder " + folder.string() +
+                           " cannot be made: " + (error ? error.message() : "a file is in the way") +
+                           "; name a folder that you may write to.");
+  std::unique_ptr<StudyDatabase> database(
+      new StudyDatabase(Kind::database, studies, "", folder / "index.sqlite", options));
+  database->openShared();
+  if (!database->update(database->scan_.all(), options.progress))
+    return Opened::refused("Interrupted while reading " + folder.string() + "; nothing was changed.");
+  return Opened::of(std::move(database));
+}
+
+void StudyDatabase::openShared() {
+  const IndexLock lock(indexFile_.parent_path());
+  OpenedIndex opened = openSharedIndex(indexFile_, false);
+  const std::string what = "The index " + indexFile_.string();
+  std::error_code error;
+  const bool isNew = opened.condition == IndexCondition::missing;
+  if (isNew && !fs::is_empty(root_, error))
+    notices_.push_back(what + " was missing: it is built again from the files.");
+  if (opened.condition == IndexCondition::damaged || opened.condition == IndexCondition::foreign) {
+    notices_.push_back(what + " cannot be used because " + opened.reason +
+                       ": it is set aside and built again from the files.");
+    if (Outcome aside = setAside(indexFile_); !aside) opened = {nullptr, IndexCondition::unusable, *aside.problem};
+  }
+  if (!opened.index && opened.condition != IndexCondition::tooNew && opened.condition != IndexCondition::unusable)
+    opened = openSharedIndex(indexFile_, true);
+  index_ = std::move(opened.index);
+  if (index_) return;
+  notices_.push_back(what + " cannot be used because " + asPhrase(opened.reason) +
+                     ": it is left as it is, and the studies are read from their files.");
+  index_ = std::make_unique<Index>();
+}
+
+Opened StudyDatabase::openFolder(const fs::path& folderOrFile, const OpenOptions& options) {
+  std::error_code error;
+  const fs::file_status status = fs::status(folderOrFile, error);
+  if (!fs::exists(status))
+    return Opened::refused((folderOrFile.empty() ? "A folder without a name" : folderOrFile.string()) +
+                           " does not exist: give a folder of DICOM files.");
+  std::unique_ptr<StudyDatabase> database;
+  if (fs::is_directory(status)) {
+    database.reset(
+        new StudyDatabase(Kind::inPlace, folderOrFile, "", folderOrFile / hiddenFolderName / "index.sqlite", options));
+    database->openCopy();
+  } else {  // the index of a folder says more than one file, and one of a part of the folder must not replace it
+    database.reset(
+        new StudyDatabase(Kind::oneFile, folderOrFile.parent_path(), folderOrFile.filename().string(), "", options));
+    database->index_ = std::make_unique<Index>();
+  }
+  if (!database->update(database->scan_.all(), options.progress))
+    return Opened::refused("Interrupted while reading " + folderOrFile.string() + "; nothing was changed.");
+  return Opened::of(std::move(database));
+}
+
+void StudyDatabase::openCopy() {
+  OpenedIndex opened = loadIndex(indexFile_);
+  if (!opened.index && opened.condition != IndexCondition::missing) {
+    const bool isOurs = opened.condition == IndexCondition::damaged;
+    notices_.push_back("The index " + indexFile_.string() + " cannot be used because " + opened.reason +
+                       ": the studies are read from their files, and it is " +
+                       (isOurs ? "replaced when a report is stored." : "left as it is."));
+    if (opened.condition == IndexCondition::tooNew) indexFile_.clear();
+  }
+  index_ = opened.index ? std::move(opened.index) : std::make_unique<Index>();
+}
+
+/// Reads what is new and enters it. False when it was cancelled; the index is as it was then.
+bool StudyDatabase::update(const FolderListing& listing, const Progress& progress) {
+  Difference difference;
+  withIndex(
+      [&] { difference = differenceOf(listing.complete ? index_->files() : index_->files(listing.folders), listing); });
+  std::erase_if(difference.gone, [&](const IndexedFile& file) { return isThereAfterAll(file.stamp); });
+  const std::size_t total = difference.fresh.size();
+  std::vector<FileToIndex> files;
+  for (FileStamp& file : difference.fresh) {
+    if (progress && !progress(files.size(), total)) return false;
+    FileContents contents = readFileContents(scan_.pathOf(file));
+    files.push_back({std::move(file), std::move(contents)});
+  }
+  if (total > 0 && progress && !progress(total, total)) return false;
+  if (files.empty() && difference.gone.empty()) return true;
+  std::vector<std::int64_t> gone;
+  for (const IndexedFile& file : difference.gone) gone.push_back(file.id);
+  try {
+    index_->change(gone, files);
+  } catch (const SQLite::Exception& exception) {
+    readWithoutIndex(exception.what());
+  }
+  return true;
+}
+
+/// Another process may have stored and entered a file after the folder was listed.
+bool StudyDatabase::isThereAfterAll(const FileStamp& file) const {
+  return kind_ == Kind::database && stampOf(root_, file.folder, file.name).has_value();
+}
+
+void StudyDatabase::refresh() {
+  const FolderListing listing = scan_.changed();
+  if (!listing.folders.empty()) update(listing, {});
+}
+
+std::vector<ImageRecord> StudyDatabase::images(const std::string& studyUid) {
+  ReadResult result;
+  result.images = withIndex([&] { return index_->images(root_, studyUid); });
+  setCopiesAside(result);
+  return std::move(result.images);
+}
+
+ReadResult StudyDatabase::contents() {
+  ReadResult result;
+  result.warning = prepareToolkit();
+  withIndex([&] {
+    result.images = index_->images(root_);
+    result.unreadable = scan_.unlisted();
+    for (const IndexedPlace& place : index_->places(FileKind::unreadable))
+      result.unreadable.push_back({scan_.pathOf(place.file), place.reason});
+    const auto listPaths = [&](FileKind kind, std::vector<fs::path>& paths) {
+      paths.clear();
+      for (const IndexedPlace& place : index_->places(kind)) paths.push_back(scan_.pathOf(place.file));
+    };
+    listPaths(FileKind::object, result.otherObjects);
+    listPaths(FileKind::notDicom, result.notDicom);
+    listPaths(FileKind::directory, result.directories);
+  });
+  setCopiesAside(result);
+  std::stable_sort(result.unreadable.begin(), result.unreadable.end(),
+                   [](const UnreadableFile& a, const UnreadableFile& b) { return a.file < b.file; });
+  return result;
+}
+
+ImportResult StudyDatabase::importFiles(const std::vector<fs::path>& paths, const Progress& progress) {
+  ImportResult result;
+  if (kind_ != Kind::database) {
+    result.problem = "Files cannot be imported into " + root_.string() +
+                     ": it is opened in place. Copy them there, or import them into a database folder.";
+    return result;
+  }
+  refresh();
+  try {
+    result = importInto(root_, *index_, paths, progress, disk_);
+  } catch (const SQLite::Exception& exception) {
+    result = {};
+    result.problem = "The files cannot be imported because the index " + indexFile_.string() + " failed (" +
+                     exception.what() + "): try again.";
+  }
+  refresh();
+  return result;
+}
+
+}  // namespace workstation
