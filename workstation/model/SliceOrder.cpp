@@ -99,6 +99,11 @@ void splitAtGaps(Block group, const std::vector<double>& axisMm, std::vector<Blo
   blocks.push_back(std::move(current));
 }
 
+/// By Instance Number, then frame; what has no number comes last.
+std::tuple<bool, int, int> storedPlace(const ImageRecord& image) {
+  return {!image.instanceNumber.has_value(), image.instanceNumber.value_or(0), image.frame};
+}
+
 double meanAxisMm(const Block& block) {
   double sum = 0;
   for (const PlacedSlice& slice : block.slices) sum += slice.axisMm;
@@ -108,11 +113,8 @@ double meanAxisMm(const Block& block) {
 }  // namespace
 
 bool storedBefore(const ImageRecord& a, const ImageRecord& b) {
-  const auto key = [](const ImageRecord& image) {
-    return std::make_tuple(!image.instanceNumber.has_value(), image.instanceNumber.value_or(0), image.frame);
-  };
-  const auto keyA = key(a);
-  const auto keyB = key(b);
+  const auto keyA = storedPlace(a);
+  const auto keyB = storedPlace(b);
   if (keyA != keyB) return keyA < keyB;
   if (a.sopInstanceUid != b.sopInstanceUid) return a.sopInstanceUid < b.sopInstanceUid;
   return a.file < b.file;
@@ -145,12 +147,9 @@ long orientationCodeOf(const std::vector<const ImageRecord*>& slices) {
   const Plane plane = planeOf(*slices.front());
   if (plane == Plane::unknown) return -1;
   const auto [first, last] =
-      std::minmax_element(slices.begin(), slices.end(), [](const ImageRecord* a, const ImageRecord* b) {
-        return std::make_pair(!a->instanceNumber, a->instanceNumber.value_or(0)) <
-               std::make_pair(!b->instanceNumber, b->instanceNumber.value_or(0));
-      });
-  const bool numbered =
-      (*first)->instanceNumber && (*last)->instanceNumber && *(*first)->instanceNumber != *(*last)->instanceNumber;
+      std::minmax_element(slices.begin(), slices.end(),
+                          [](const ImageRecord* a, const ImageRecord* b) { return storedPlace(*a) < storedPlace(*b); });
+  const bool numbered = (*last)->instanceNumber && storedPlace(**first) != storedPlace(**last);
   const ImageRecord& start = numbered ? **first : *slices.front();
   const ImageRecord& end = numbered ? **last : *slices.back();
   const bool against =

@@ -27,8 +27,8 @@ struct Stack {
   Plane plane = Plane::unknown;     ///< unknown: no usable geometry
   StackKind kind = StackKind::image;
   std::string frameOfReferenceUid;
-  /// 0/1 sagittal, 2/3 coronal, 4/5 axial, odd where the stored order (by Instance Number) runs against the shown one;
-  /// -1 without geometry.
+  /// 0/1 sagittal, 2/3 coronal, 4/5 axial, odd where the stored order (by Instance Number, then frame) runs against the
+  /// shown one; -1 without geometry.
   long orientationCode = -1;
 };
 
@@ -64,8 +64,8 @@ StackKind kindOf(const ImageRecord& image);
 /// an unknown plane are sorted by Instance Number (those without one last).
 void sortSlices(std::vector<ImageRecord>& slices, Plane plane);
 
-/// The orientation code (see Stack::orientationCode) of slices in viewer order. Where the Instance Numbers do not tell
-/// a stored order, that of the list counts.
+/// The orientation code (see Stack::orientationCode) of slices in viewer order. Where Instance Numbers and
+/// frames do not tell a stored order, that of the list counts.
 long orientationCodeOf(const std::vector<const ImageRecord*>& slices);
 
 }  // namespace workstation

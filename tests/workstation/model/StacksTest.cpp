@@ -63,6 +63,16 @@ TEST(Stacks, OrientationCodeIsEvenWhereTheStoredOrderRunsWithTheShownOneAndOddWh
     std::vector<ImageRecord> images;
     long code;
   };
+  const auto frame = [](int number, double zMm) {
+    ImageRecord record = axial("1", 1, 1, zMm);
+    record.frame = number;
+    return record;
+  };
+  const auto unnumbered = [](double zMm) {
+    ImageRecord record = axial("1", 1, 1, zMm);
+    record.instanceNumber.reset();
+    return record;
+  };
   const std::vector<Row> rows = {
       {"sagittal, stored right to left", {sagittal("1", 1, 1, -4), sagittal("1", 1, 2, 4)}, 0},
       {"sagittal, stored left to right", {sagittal("1", 1, 1, 4), sagittal("1", 1, 2, -4)}, 1},
@@ -70,6 +80,9 @@ TEST(Stacks, OrientationCodeIsEvenWhereTheStoredOrderRunsWithTheShownOneAndOddWh
       {"coronal, stored back to front", {coronal("1", 1, 1, 4), coronal("1", 1, 2, -4)}, 3},
       {"axial, stored head to feet", {axial("1", 1, 1, 4), axial("1", 1, 2, -4)}, 4},
       {"axial, stored feet to head", {axial("1", 1, 1, -4), axial("1", 1, 2, 4)}, 5},
+      {"axial frames of one file, stored head to feet", {frame(1, 4), frame(2, -4)}, 4},
+      {"axial frames of one file, stored feet to head", {frame(1, -4), frame(2, 4)}, 5},
+      {"axial without numbers", {unnumbered(4), unnumbered(-4)}, 4},
       {"a single slice has no order", {axial("1", 1, 1, -4)}, 4},
       {"no geometry", {slice("1", 1, 1), slice("1", 1, 2)}, -1},
   };
@@ -170,6 +183,20 @@ TEST(Stacks, FrameOfReferenceColourScoutAndReferenceImagesAreStacksOfTheirOwn) {
   EXPECT_EQ(series.stacks[2].kind, StackKind::colour);
   EXPECT_EQ(series.stacks[3].kind, StackKind::scout);
   EXPECT_EQ(series.stacks[4].kind, StackKind::reference);
+}
+
+TEST(Stacks, DerivedImagesAreScrolledWithTheOthersAndSplitByPlaneAlone) {
+  std::vector<ImageRecord> images = {axial("1", 1, 1, 9), axial("1", 1, 2, 6), axial("1", 1, 3, 3),
+                                     coronal("1", 1, 4, 0), coronal("1", 1, 5, 4)};
+  images[1].imageType = {"DERIVED", "SECONDARY", "MPR"};
+  images[2].imageType = {"DERIVED", "SECONDARY", "AXIAL", "REFORMATTED"};
+  images[3].imageType = images[4].imageType = {"DERIVED", "SECONDARY", "REFORMATTED"};
+  const auto studies = groupIntoStudies(images);
+  const Series& series = studies.at(0).series.at(0);
+  ASSERT_EQ(series.stacks.size(), 2u);
+  EXPECT_EQ(instancesOf(series.stacks[0]), (std::vector<int>{4, 5}));
+  EXPECT_EQ(instancesOf(series.stacks[1]), (std::vector<int>{1, 2, 3}));
+  EXPECT_EQ(series.stacks[1].kind, StackKind::image);
 }
 
 TEST(Stacks, ImagesWithoutGeometryFormTheLastStackByInstanceNumber) {
