@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace workstation {
@@ -67,6 +68,50 @@ TEST(Spline, TheTangentOfEvenlySpacedVerticesIsParallelToTheChordOfTheNeighbours
   const double rise = (top + 1)->point().y - (top - 1)->point().y;
   const double run = (top + 1)->point().x - (top - 1)->point().x;
   EXPECT_NEAR(rise / run, 0, 1e-9);
+}
+
+using pelmar::PixelPoint;
+
+/// A point of the segment from b to c by Barry and Goldman's pyramid, with knots at the square roots of the chords.
+PixelPoint pyramid(const std::array<PixelPoint, 4>& control, double share) {
+  std::array<double, 4> knots{};
+  for (std::size_t i = 1; i < 4; ++i) {
+    const double chord = std::hypot(control[i].x - control[i - 1].x, control[i].y - control[i - 1].y);
+    knots[i] = knots[i - 1] + std::sqrt(chord);
+  }
+  const double knot = knots[1] + share * (knots[2] - knots[1]);
+  const auto blend = [&](PixelPoint p, PixelPoint q, double low, double high) {
+    const double part = (knot - low) / (high - low);
+    return PixelPoint{p.x + part * (q.x - p.x), p.y + part * (q.y - p.y)};
+  };
+  std::array<PixelPoint, 3> first;
+  for (std::size_t i = 0; i < 3; ++i) first[i] = blend(control[i], control[i + 1], knots[i], knots[i + 1]);
+  const PixelPoint left = blend(first[0], first[1], knots[0], knots[2]);
+  const PixelPoint right = blend(first[1], first[2], knots[1], knots[3]);
+  return blend(left, right, knots[1], knots[2]);
+}
+
+TEST(Spline, IsTheCentripetalOneAndGoesOnAtItsEndsAsItCame) {
+  // Uneven chords: 5, 50 and 13 pixels, so that uniform and chordal knots give other curves.
+  const std::vector<PixelPoint> v = {{0, 0}, {3, 4}, {33, 44}, {38, 56}};
+  const PixelPoint beforeFirst{2 * v[0].x - v[1].x, 2 * v[0].y - v[1].y};
+  const PixelPoint afterLast{2 * v[3].x - v[2].x, 2 * v[3].y - v[2].y};
+  const std::vector<std::array<PixelPoint, 4>> controls = {
+      {beforeFirst, v[0], v[1], v[2]}, {v[0], v[1], v[2], v[3]}, {v[1], v[2], v[3], afterLast}};
+  std::vector<MyPoint> vertices;
+  for (const PixelPoint& vertex : v) vertices.push_back(MyPoint::point(vertex));
+  const SplineSamples samples = sampleSpline(vertices, 2);
+  for (std::size_t segment = 0; segment < 3; ++segment) {
+    const auto number = static_cast<long>(segment);
+    const auto count = std::count(samples.segments.begin(), samples.segments.end(), number) - (segment == 2 ? 1 : 0);
+    const auto first = std::find(samples.segments.begin(), samples.segments.end(), number) - samples.segments.begin();
+    for (std::ptrdiff_t sample = 0; sample < count; ++sample) {
+      const PixelPoint found = samples.points[static_cast<std::size_t>(first + sample)].point();
+      const PixelPoint wanted = pyramid(controls[segment], static_cast<double>(sample) / static_cast<double>(count));
+      EXPECT_NEAR(found.x, wanted.x, 1e-9) << "segment " << segment << ", sample " << sample;
+      EXPECT_NEAR(found.y, wanted.y, 1e-9) << "segment " << segment << ", sample " << sample;
+    }
+  }
 }
 
 TEST(Spline, CoincidentVerticesGiveFiniteSamples) {
