@@ -199,6 +199,34 @@ TEST_F(DrawingByHand, OutOfReachOrNotSelectedNothingIsDragged) {
   EXPECT_EQ(only()->ROImode(), 0);
 }
 
+TEST_F(DrawingByHand, APressGoesToThePolygonThatIsBeingDrawnAlsoWhereAVertexIsWithinReach) {
+  ASSERT_TRUE(workstation.drawLine(viewer, 0, {10, 10}, {10, 60}));
+  const Ref<ROI> line = only();
+  choose(10);
+  click(60, 20);
+  press(10, 60);
+  move(40, 60);
+  release(40, 60);
+  const auto infos = workstation.annotations(viewer);
+  ASSERT_EQ(infos.size(), 2u);
+  EXPECT_EQ(infos[1].roi->points()->count(), 2u);
+  EXPECT_EQ(infos[1].roi->pointAtIndex(1), (PixelPoint{10, 60}));
+  EXPECT_EQ(line->pointAtIndex(1), (PixelPoint{10, 60}));
+  EXPECT_EQ(line->ROImode(), 2);
+}
+
+TEST_F(DrawingByHand, AReleaseIsToldAlsoWhenAToolWasChosenMeanwhile) {
+  choose(5);
+  press(10, 10);
+  move(10, 60);
+  ASSERT_TRUE(workstation.selectMouseTool(viewer, MouseToolPan));
+  recorder.take();
+  release(30, 70);
+  EXPECT_EQ(recorder.take(), Lines{"change mouseUp"});
+  EXPECT_EQ(only()->ROImode(), 2);
+  EXPECT_EQ(only()->pointAtIndex(1), (PixelPoint{10, 60})) << "but it draws no more";
+}
+
 TEST_F(DrawingByHand, ADragThatCodeStopsMovesNoMore) {
   ASSERT_TRUE(workstation.drawLine(viewer, 0, {10, 10}, {10, 60}));
   press(10, 60);

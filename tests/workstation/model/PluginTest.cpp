@@ -23,6 +23,7 @@ class FakePlugin final : public pelmar::PluginFilter, public pelmar::WindowOwner
   }
   long filterImage(const std::string& menuName) override {
     lines.push_back("menu " + menuName);
+    expectEvent();
     fromViewer = commandViewerController();
     window = api().windowServices().loadWindow("Palette", *this);
     api().windowServices().setDelegate(window, this);
@@ -38,22 +39,31 @@ class FakePlugin final : public pelmar::PluginFilter, public pelmar::WindowOwner
 
   bool performAction(std::string_view action) override {
     lines.push_back("action " + std::string(action));
+    expectEvent();
     if (action == "closeMe:") window->close();
     return action == "reset:" || action == "closeMe:";
   }
   pelmar::Value valueForKey(std::string_view key) const override { return key == "value" ? value : pelmar::Value(); }
   bool setValue(const pelmar::Value& newValue, std::string_view forKey) override {
+    expectEvent();
     if (forKey != "value") return false;
     value = newValue;
     return true;
   }
   void windowWillClose() override {
     lines.push_back(window->isVisible() ? "closing, visible" : "closing, hidden");
+    expectEvent();
     window->close();   // closing what is closing does nothing
     window = nullptr;  // lets the window go while it is closing
   }
 
+  /// Whatever a person does reaches the plug-in within an event.
+  void expectEvent() const {
+    EXPECT_TRUE(!events || events->busy());
+  }
+
   Lines& lines;
+  EventLoop* events = nullptr;
   bool showWindow = true;
   pelmar::Ref<pelmar::Window> window;
   pelmar::Ref<pelmar::ViewerController> fromViewer;
@@ -86,6 +96,7 @@ class Plugin : public testing::Test {
     workstation.addImages(test::smallStudy());
     auto handle = std::make_unique<FakeHandle>(workstation.api(), lines);
     plugin = handle->object.get();
+    plugin->events = &workstation.events();
     workstation.setPlugin(std::move(handle));
     viewer = *workstation.openViewer({"1.2.3", 0, 0});
     other = *workstation.openViewer({"1.2.3", 1, 0});

@@ -171,6 +171,40 @@ TEST_F(Annotations, ListsKeepTheirOrderAndIgnorePlacesBeyondTheEnd) {
   EXPECT_EQ(infos[0].roi, b);
 }
 
+TEST_F(Annotations, ThoseOfOneSliceComeOnceEachInDrawingOrderWithAllTheSlicesThatHoldThem) {
+  const Ref<ROI> everywhere = make(10, axial);
+  const Ref<ROI> alone = make(5, axial);
+  const Ref<ROI> elsewhere = make(5, axial);
+  const Ref<ROI> atTheEnds = make(13, axial);
+  list(axial, 1)->addObject(alone);
+  list(axial, 1)->addObject(alone);
+  putOnAllSlices(everywhere, axial);
+  putOnAllSlices(atTheEnds, axial);
+  list(axial, 1)->removeObject(atTheEnds);
+  list(axial, 2)->insertObject(elsewhere, 0);
+  list(sagittal, 0)->addObject(everywhere);
+  const auto middle = workstation.annotations(axial, 1);
+  ASSERT_EQ(middle.size(), 2u);
+  EXPECT_EQ(middle[0].roi, alone);
+  EXPECT_EQ(middle[0].slices, std::vector<int>{1});
+  EXPECT_EQ(middle[1].roi, everywhere);
+  EXPECT_EQ(middle[1].id, workstation.annotationId(everywhere));
+  EXPECT_EQ(middle[1].slices, (std::vector<int>{0, 1, 2})) << "of this viewer alone";
+  EXPECT_FALSE(middle[1].drawnByPerson);
+  const auto last = workstation.annotations(axial, 2);
+  ASSERT_EQ(last.size(), 3u);
+  EXPECT_EQ(last[0].roi, elsewhere);
+  EXPECT_EQ(last[2].slices, (std::vector<int>{0, 2}));
+}
+
+TEST_F(Annotations, ASliceOrViewerThatIsNotThereHasNone) {
+  putOnAllSlices(make(5, axial), axial);
+  EXPECT_TRUE(workstation.annotations(axial, -1).empty());
+  EXPECT_TRUE(workstation.annotations(axial, 3).empty());
+  EXPECT_TRUE(workstation.annotations(99, 0).empty());
+  EXPECT_TRUE(workstation.annotations(99).empty());
+}
+
 TEST_F(Annotations, TagsAreKeptOnce) {
   const Ref<ROI> roi = make(5, axial);
   roi->stringTags()->addObject("one");

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "Recorder.h"
 #include "TestImages.h"
+#include "workstation/model/EventLoop.h"
 #include "workstation/model/Workstation.h"
 
 namespace workstation {
@@ -160,6 +163,71 @@ TEST_F(Viewers, ZoomAndPanPostAndRotationAndFlipsDoNot) {
   EXPECT_EQ(info->origin.y, -3);
   EXPECT_TRUE(info->flippedVertically);
   EXPECT_FALSE(workstation.zoom(viewer, 0));
+}
+
+TEST_F(Viewers, EachHasItsOwnZoomPanRotationAndFlipsWhichLastUntilItsSeriesChanges) {
+  const int viewer = *workstation.openViewer(axialStack);
+  const int other = *workstation.openViewer(axialStack);
+  const double fitted = workstation.viewer(other)->scale;
+  ASSERT_TRUE(workstation.zoom(viewer, 2.5));
+  ASSERT_TRUE(workstation.pan(viewer, 3, -4));
+  ASSERT_TRUE(workstation.rotate(viewer, 90));
+  ASSERT_TRUE(workstation.flip(viewer, FlipAxis::horizontal));
+  const auto expectView = [&](int number, double scale, double panX, double rotation, bool flipped) {
+    const auto info = workstation.viewer(number);
+    EXPECT_EQ(info->scale, scale);
+    EXPECT_EQ(info->origin.x, panX);
+    EXPECT_EQ(info->rotationDegrees, rotation);
+    EXPECT_EQ(info->flippedHorizontally, flipped);
+  };
+  ASSERT_TRUE(workstation.scroll(viewer, 1));
+  expectView(viewer, 2.5, 3, 90, true);
+  expectView(other, fitted, 0, 0, false);
+  ASSERT_TRUE(workstation.switchSeries(viewer, sagittalStack));
+  expectView(viewer, fitted, 0, 0, false);  // both series have 100 x 80 pixels
+}
+
+TEST(ViewersOfMixedSizes, ConvertWithTheImageThatIsShown) {
+  Workstation workstation;
+  ImageRecord small = test::axial("1.2", 2, 2, 5);
+  small.columns = 50;
+  small.rows = 40;
+  small.geometry->spacingY = 1;  // pixels twice as high as wide
+  workstation.addImages({test::axial("1.2", 2, 1, 10), small});
+  const int viewer = *workstation.openViewer({"1.2.3", 0, 0});
+  const pelmar::FrameRect frame = workstation.viewer(viewer)->viewFrame;
+  const pelmar::ViewPoint middle{frame.width / 2, frame.height / 2};
+  const double scale = workstation.viewer(viewer)->scale;
+  EXPECT_EQ(workstation.pixelAt(viewer, middle), (pelmar::PixelPoint{49.5, 39.5}));
+  ASSERT_TRUE(workstation.scroll(viewer, 1));
+  EXPECT_EQ(workstation.pixelAt(viewer, middle), (pelmar::PixelPoint{24.5, 19.5}));
+  const pelmar::ViewPoint below = workstation.viewPointAt(viewer, {24.5, 29.5});
+  EXPECT_DOUBLE_EQ(middle.y - below.y, 10 * scale * 2);
+}
+
+TEST_F(Viewers, EveryNotificationIsPostedWithinAnEventAndEachOperationIsOne) {
+  Lines heard;
+  recorder.react = [&](const std::string& posting, const pelmar::Notification&) {
+    EXPECT_TRUE(workstation.events().busy()) << posting;
+    if (std::find(heard.begin(), heard.end(), posting) == heard.end()) heard.push_back(posting);
+  };
+  int finished = 0;
+  workstation.events().setFinished([&] { ++finished; });
+  const int viewer = *workstation.openViewer(axialStack);
+  ASSERT_TRUE(workstation.scroll(viewer, 1));
+  ASSERT_TRUE(workstation.zoom(viewer, 2));
+  ASSERT_TRUE(workstation.pan(viewer, 1, 1));
+  EXPECT_EQ(finished, 4);
+  const auto line = workstation.drawLine(viewer, 1, {1, 1}, {1, 50}, 3);
+  ASSERT_TRUE(line);
+  EXPECT_EQ(finished, 4 + 7) << "a scroll, the choice of the tool, a press, three moves and a release";
+  ASSERT_TRUE(workstation.deleteAnnotation(viewer, *line));
+  ASSERT_TRUE(workstation.switchSeries(viewer, sagittalStack));
+  ASSERT_TRUE(workstation.closeViewer(viewer));
+  EXPECT_EQ(finished, 4 + 7 + 3);
+  EXPECT_EQ(heard, (Lines{"loaded", "index", "scale", "origin", "add", "change", "remove", "willChange", "close"}));
+  EXPECT_FALSE(workstation.events().busy());
+  workstation.events().setFinished(nullptr);
 }
 
 TEST_F(Viewers, StandSideBySideOnTheScreenAndFillItFromTheTopLeft) {
