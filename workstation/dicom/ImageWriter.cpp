@@ -4,25 +4,14 @@
 #include <dcmtk/dcmdata/dctk.h>
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <system_error>
 
+#include "workstation/dicom/DecimalString.h"
 #include "workstation/dicom/Toolkit.h"
 
 namespace workstation {
 namespace {
-
-/// A decimal string of at most 16 characters (PS3.5 6.2, DS) that is as near to the value as that length allows,
-/// whatever the locale.
-std::string decimalString(double value) {
-  std::array<char, 40> text{};
-  std::to_chars_result end = std::to_chars(text.begin(), text.end(), value == 0 ? 0.0 : value);
-  for (int precision = 16; end.ptr - text.begin() > 16; --precision)
-    end = std::to_chars(text.begin(), text.end(), value, std::chars_format::general, precision);
-  return std::string(text.begin(), end.ptr);
-}
 
 template <class Numbers>
 std::string decimalStrings(const Numbers& values) {

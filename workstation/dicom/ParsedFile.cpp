@@ -1,6 +1,7 @@
 #include "workstation/dicom/ParsedFile.h"
 
 #include <dcmtk/config/osconfig.h>
+#include <dcmtk/dcmdata/dcistrmb.h>
 #include <dcmtk/dcmdata/dcistrmf.h>
 #include <dcmtk/dcmdata/dctk.h>
 
@@ -39,23 +40,25 @@ double workedSeconds() {
 std::uintptr_t stackPosition() { return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)); }
 
 /// A file's bytes, until reading them has used up the stack, size or time it is allowed.
-class GuardedFileStream : public DcmInputFileStream {
+template <class Stream>
+class GuardedStream : public Stream {
  public:
-  GuardedFileStream(const OFFilename& file, std::uintmax_t fileLength)
-      : DcmInputFileStream(file),
+  template <class... Source>
+  explicit GuardedStream(std::uintmax_t fileLength, const Source&... source)
+      : Stream(source...),
         stackAtStart_(stackPosition()),
         end_(workedSeconds() + secondsForReading),
         longest_(std::max(longestInflated, static_cast<offile_off_t>(fileLength))) {}
 
-  OFBool good() const override { return stopped_.good() && DcmInputFileStream::good(); }
-  OFCondition status() const override { return stopped_.good() ? DcmInputFileStream::status() : stopped_; }
+  OFBool good() const override { return stopped_.good() && Stream::good(); }
+  OFCondition status() const override { return stopped_.good() ? Stream::status() : stopped_; }
   offile_off_t read(void* buffer, offile_off_t length) override {
     const std::uintptr_t now = stackPosition();
     const std::uintptr_t used = now > stackAtStart_ ? now - stackAtStart_ : stackAtStart_ - now;
     if (used > stackForReading) stopped_ = nestedTooDeeply;
-    if (tell() > longest_) stopped_ = inflatesTooFar;
+    if (this->tell() > longest_) stopped_ = inflatesTooFar;
     if (++reads_ % 1024 == 0 && workedSeconds() > end_) stopped_ = takesTooLong;
-    return stopped_.good() ? DcmInputFileStream::read(buffer, length) : 0;
+    return stopped_.good() ? Stream::read(buffer, length) : 0;
   }
 
   /// Why reading was stopped, or EC_Normal.
@@ -81,11 +84,8 @@ std::string phraseFor(const OFCondition& outcome) {
 ParsedFile::ParsedFile() : format_(std::make_unique<DcmFileFormat>()) {}
 ParsedFile::~ParsedFile() = default;
 
-bool ParsedFile::parse(const std::filesystem::path& file, std::string& problem) {
-  prepareToolkit();
-  std::error_code error;
-  const std::uintmax_t fileLength = std::filesystem::file_size(file, error);
-  GuardedFileStream stream(OFFilename(file.c_str()), error ? 0 : fileLength);
+template <class Stream>
+bool ParsedFile::parseStream(Stream& stream, std::string& problem) {
   OFCondition outcome = stream.status();
   if (outcome.bad()) {
     problem = std::string("it cannot be opened (") + outcome.text() + ")";
@@ -99,6 +99,22 @@ bool ParsedFile::parse(const std::filesystem::path& file, std::string& problem) 
   if (outcome.good()) return true;
   problem = phraseFor(outcome);
   return false;
+}
+
+bool ParsedFile::parse(const std::filesystem::path& file, std::string& problem) {
+  prepareToolkit();
+  std::error_code error;
+  const std::uintmax_t fileLength = std::filesystem::file_size(file, error);
+  GuardedStream<DcmInputFileStream> stream(error ? 0 : fileLength, OFFilename(file.c_str()));
+  return parseStream(stream, problem);
+}
+
+bool ParsedFile::parse(const std::vector<std::uint8_t>& bytes, std::string& problem) {
+  prepareToolkit();
+  GuardedStream<DcmInputBufferStream> stream(bytes.size());
+  stream.setBuffer(bytes.data(), static_cast<offile_off_t>(bytes.size()));
+  stream.setEos();
+  return parseStream(stream, problem);
 }
 
 DcmDataset& ParsedFile::dataset() { return *format_->getDataset(); }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 class DcmDataset;
 class DcmFileFormat;
@@ -21,12 +23,17 @@ class ParsedFile {
   /// Reads the structure. False, with a phrase in `problem`, when the file is damaged or truncated, or nested so deeply
   /// that reading it would not be safe.
   bool parse(const std::filesystem::path& file, std::string& problem);
+  /// The same of a file's bytes; long values are in memory, too.
+  bool parse(const std::vector<std::uint8_t>& bytes, std::string& problem);
 
   DcmDataset& dataset();
   /// Media Storage SOP Class UID of the file meta information, or an empty string.
   std::string mediaStorageSopClass();
 
  private:
+  template <class Stream>
+  bool parseStream(Stream& stream, std::string& problem);
+
   std::unique_ptr<DcmFileFormat> format_;
 };
 

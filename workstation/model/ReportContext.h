@@ -12,6 +12,7 @@ struct ImageReference {
   std::string sopInstanceUid;
   int frame = 1;            ///< from 1
   bool multiFrame = false;  ///< the object has frames; `frame` says which
+  std::string seriesInstanceUid = {};
   friend bool operator==(const ImageReference&, const ImageReference&) = default;
 };
 

@@ -56,7 +56,8 @@ std::optional<ReportContext> Workstation::reportContext(const std::string& study
 
   const auto frames = framesByObject(*found);
   const auto referenceTo = [&](const ImageRecord& slice) {
-    return ImageReference{slice.sopClassUid, slice.sopInstanceUid, slice.frame, frames.at(slice.sopInstanceUid) > 1};
+    return ImageReference{slice.sopClassUid, slice.sopInstanceUid, slice.frame, frames.at(slice.sopInstanceUid) > 1,
+                          slice.seriesInstanceUid};
   };
   ReportContext context;
   context.frameOfReferenceUid = stack(*vertical)->frameOfReferenceUid;
