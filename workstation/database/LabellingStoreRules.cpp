@@ -5,6 +5,17 @@
 #include "workstation/database/ReportRules.h"
 
 namespace workstation {
+namespace {
+
+/// Whether the report need not be written: what counts says the same, or an attempt that failed did write it.
+bool isThere(const MadeReport& report, const std::vector<ShelvedReport>& there) {
+  const ShelvedReport* counting = countingReport(there);
+  if (counting && sameInSinglePrecision(*counting->labelling, *report.labelling)) return true;
+  return std::any_of(there.begin(), there.end(),
+                     [&](const ShelvedReport& one) { return one.sopInstanceUid == report.sopUid; });
+}
+
+}  // namespace
 
 void LabellingStore::Interior::decide(MadeReport report) {
   if (!report.isOfLabellings()) {
@@ -37,8 +48,7 @@ void LabellingStore::Interior::retry(const std::string& studyUid) {
   while (!study.unsaved.empty()) {
     MadeReport& report = study.unsaved.front();
     const auto there = shelf_.labellings(report.studyUid);
-    const ShelvedReport* counting = countingReport(there);
-    if (!counting || !sameInSinglePrecision(*counting->labelling, *report.labelling)) {
+    if (!isThere(report, there)) {
       const Outcome outcome = shelveLabelling(report, there);
       if (!outcome) {
         study.problem = *outcome.problem;

@@ -1,7 +1,8 @@
-#include "tests/workstation/database/LabellingStoreFakes.h"
+#include "LabellingStoreFakes.h"
 
 #include <algorithm>
 #include <cctype>
+#include <fstream>
 
 namespace workstation::test {
 namespace {
@@ -122,7 +123,7 @@ std::vector<ShelvedReport> FakeShelf::labellings(const std::string& studyUid) {
 }
 
 std::filesystem::path FakeShelf::freshPath(const std::string&, std::string_view extension) {
-  return "/shelf/" + std::to_string(++paths) + "." + std::string(extension);
+  return folder / (std::to_string(++paths) + "." + std::string(extension));
 }
 
 Outcome FakeShelf::store(const std::string& studyUid, const std::filesystem::path& file, const pelmar::Bytes& bytes) {
@@ -130,6 +131,7 @@ Outcome FakeShelf::store(const std::string& studyUid, const std::filesystem::pat
   if (!report) return Outcome::refused(report.problem);
   report->studyInstanceUid = studyUid;
   files.push_back({studyUid, file, *report, ""});
+  if (std::filesystem::exists(folder)) std::ofstream(file) << "a report";
   return Outcome::done();
 }
 

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <thread>
 
-#include "tests/workstation/database/LabellingStoreFakes.h"
+#include "LabellingStoreFakes.h"
 
 namespace workstation::test {
 namespace {

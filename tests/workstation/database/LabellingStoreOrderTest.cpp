@@ -1,7 +1,7 @@
 // Which of the reports in a study counts, and reports that cannot be written.
 #include <gtest/gtest.h>
 
-#include "tests/workstation/database/LabellingStoreFakes.h"
+#include "LabellingStoreFakes.h"
 
 namespace workstation::test {
 namespace {

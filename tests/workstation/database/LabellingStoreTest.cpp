@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-#include "tests/workstation/database/LabellingStoreFakes.h"
+#include "LabellingStoreFakes.h"
 
 namespace workstation::test {
 namespace {
