@@ -18,6 +18,8 @@ namespace fs = std::filesystem;
 
 constexpr int busyTimeoutMs = 10'000;
 
+constexpr const char* tooNewReason = "it was made by a later version of this program";
+
 /// What SQLite keeps beside a database.
 constexpr std::array<const char*, 3> companions = {"-wal", "-shm", "-journal"};
 
@@ -29,13 +31,32 @@ OpenedIndex refusedBy(const SQLite::Exception& exception) {
   return refused(isDamaged ? IndexCondition::damaged : IndexCondition::unusable, exception.what());
 }
 
+/// What the first bytes of a database file say (SQLite file format, section 1.3).
+struct DatabaseHeader {
+  bool isDatabase = false;
+  std::int64_t version = 0;
+  std::int64_t application = 0;
+  bool isTooNew() const { return application == Index::applicationId && version > Index::latestVersion(); }
+};
+
+DatabaseHeader headerOf(const fs::path& file) {
+  std::array<char, 100> bytes{};
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream.read(bytes.data(), bytes.size())) return {};
+  const auto number = [&](std::size_t at) {
+    std::uint32_t value = 0;
+    for (std::size_t i = at; i < at + 4; ++i) value = value << 8 | static_cast<unsigned char>(bytes[i]);
+    return static_cast<std::int32_t>(value);
+  };
+  return {std::string_view(bytes.data(), 16) == std::string_view("SQLite format 3", 16), number(60), number(68)};
+}
+
 /// What kind of database it is, by its header and its tables.
 OpenedIndex inspect(SQLite::Database& database) {
   const int application = database.execAndGet("PRAGMA application_id").getInt();
   const int version = database.execAndGet("PRAGMA user_version").getInt();
   if (application == Index::applicationId) {
-    if (version > Index::latestVersion())
-      return refused(IndexCondition::tooNew, "it was made by a later version of this program");
+    if (version > Index::latestVersion()) return refused(IndexCondition::tooNew, tooNewReason);
     if (version < 1) return refused(IndexCondition::damaged, "its version is missing");
     return {nullptr, IndexCondition::usable, ""};
   }
@@ -74,25 +95,6 @@ pelmar::Bytes bytesOf(const fs::path& file) {
   return stream.bad() ? pelmar::Bytes() : bytes;
 }
 
-/// What the first bytes of a database file say (SQLite file format, section 1.3).
-struct DatabaseHeader {
-  bool isDatabase = false;
-  std::int64_t version = 0;
-  std::int64_t application = 0;
-};
-
-DatabaseHeader headerOf(const fs::path& file) {
-  std::array<char, 100> bytes{};
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream.read(bytes.data(), bytes.size())) return {};
-  const auto number = [&](std::size_t at) {
-    std::uint32_t value = 0;
-    for (std::size_t i = at; i < at + 4; ++i) value = value << 8 | static_cast<unsigned char>(bytes[i]);
-    return static_cast<std::int32_t>(value);
-  };
-  return {std::string_view(bytes.data(), 16) == std::string_view("SQLite format 3", 16), number(60), number(68)};
-}
-
 std::unique_ptr<SQLite::Database> inMemory(const pelmar::Bytes& bytes) {
   auto database = std::make_unique<SQLite::Database>(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
   auto* copy = static_cast<unsigned char*>(sqlite3_malloc64(bytes.size()));
@@ -113,6 +115,7 @@ OpenedIndex openSharedIndex(const fs::path& file, bool create) {
       if (!create) return refused(IndexCondition::missing, "it is missing");
       makeShared(file);
     }
+    if (headerOf(file).isTooNew()) return refused(IndexCondition::tooNew, tooNewReason);  // not even opened
     auto database = std::make_unique<SQLite::Database>(file.string(), SQLite::OPEN_READWRITE, busyTimeoutMs);
     OpenedIndex found = inspect(*database);
     if (found.condition != IndexCondition::usable) return found;
@@ -141,7 +144,7 @@ OpenedIndex loadIndex(const fs::path& file) {
 
 Outcome saveIndex(Index& index, const fs::path& file, const DiskCalls& disk) {
   const DatabaseHeader there = headerOf(file);
-  if (there.application == Index::applicationId && there.version > Index::latestVersion()) return Outcome::done();
+  if (there.isTooNew()) return Outcome::done();
   if (there.isDatabase && there.application != Index::applicationId) {
     if (Outcome aside = setAside(file); !aside) return aside;
   }

@@ -1,0 +1,225 @@
+// Storing reports, and finding them again.
+
+#include <dcmtk/config/osconfig.h>
+#include <dcmtk/dcmdata/dctk.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+
+#include "FolderFixtures.h"
+
+namespace workstation::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Which call to the disk fails next, counted down; never when negative.
+int writesUntilFailure = -1;
+int syncsUntilFailure = -1;
+int renamesUntilFailure = -1;
+
+bool isDue(int& left) { return left >= 0 && left-- == 0; }
+
+DiskCalls failingDisk() {
+  DiskCalls disk;
+  static const DiskCalls real;
+  disk.write = [](int file, const void* bytes, std::size_t count) -> ssize_t {
+    if (!isDue(writesUntilFailure)) return real.write(file, bytes, count);
+    errno = ENOSPC;
+    return -1;
+  };
+  disk.sync = [](int file) {
+    if (!isDue(syncsUntilFailure)) return real.sync(file);
+    errno = EIO;
+    return -1;
+  };
+  disk.rename = [](const char* from, const char* to) {
+    if (!isDue(renamesUntilFailure)) return real.rename(from, to);
+    errno = EROFS;
+    return -1;
+  };
+  return disk;
+}
+
+class FolderReportsTest : public ::testing::Test {
+ protected:
+  FolderReportsTest() {
+    writeStudy(path());
+    writesUntilFailure = syncsUntilFailure = renamesUntilFailure = -1;
+  }
+  const fs::path& path() const { return folder_.path(); }
+  fs::path image() const { return path() / "sag/1.dcm"; }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(FolderReportsTest, StoredReportIsFoundByThisAndTheNextOpening) {
+  {
+    const auto database = openInPlace(path());
+    const fs::path file = store(*database, lumbarAt(1.0 / 3), 4);
+    const std::vector<ShelvedReport> reports = database->labellings(studyUid());
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_EQ(reports[0].file, file);
+  }
+  std::size_t reads = 0;
+  const auto database = openInPlace(path(), countingReads(reads));
+  EXPECT_EQ(reads, 0U);
+  const std::vector<ShelvedReport> reports = database->labellings(studyUid());
+  ASSERT_EQ(reports.size(), 1U);
+  EXPECT_EQ(reports[0].sopInstanceUid, reportUid(4));
+  EXPECT_EQ(reports[0].instanceNumber, 4);
+  EXPECT_EQ(reports[0].contentTime, (ContentTime{"20240301", "100004.000000"}));
+  EXPECT_FALSE(reports[0].fromContent);
+  EXPECT_EQ(reports[0].problem, "");
+  // Points hold single precision: so do the archives made of them.
+  EXPECT_EQ(reports[0].labelling->levels->at(0).point[0], static_cast<double>(1.0F / 3.0F));
+}
+
+TEST_F(FolderReportsTest, FailingDiskLeavesNothingBehindAndSaysWhat) {
+  struct Row {
+    const char* name;
+    int* left;
+    int after;
+    const char* reason;
+  };
+  const std::array rows = {Row{"disk full", &writesUntilFailure, 0, "No space left on device"},
+                           Row{"file not synchronised", &syncsUntilFailure, 0, "Input/output error"},
+                           Row{"no rename", &renamesUntilFailure, 0, "Read-only file system"},
+                           Row{"folder not synchronised", &syncsUntilFailure, 1, "Input/output error"}};
+  OpenOptions options;
+  options.disk = failingDisk();
+  const auto database = openInPlace(path(), options);
+  for (const Row& row : rows) {
+    auto before = photographOf(path());
+    const fs::path file = database->freshPath(studyUid(), "dcm");
+    *row.left = row.after;
+    const Outcome outcome = database->store(studyUid(), file, reportOn(image(), lumbarAt(1), 1));
+    ASSERT_FALSE(outcome) << row.name;
+    EXPECT_NE(outcome.problem->find(row.reason), std::string::npos) << *outcome.problem;
+    EXPECT_NE(outcome.problem->find((path() / "sag").string()), std::string::npos) << *outcome.problem;
+    auto after = photographOf(path());
+    before.erase("sag");  // the folder's time, which a temporary file changes
+    after.erase("sag");
+    EXPECT_EQ(after, before) << row.name;
+    EXPECT_TRUE(database->labellings(studyUid()).empty()) << row.name;
+  }
+  store(*database, lumbarAt(2), 1);
+  EXPECT_EQ(levelsIn(*database), std::vector<double>{2}) << "the same report can be stored when the disk works again";
+}
+
+TEST_F(FolderReportsTest, ReportIsStoredThoughTheIndexCannotBe) {
+  OpenOptions options;
+  options.disk = failingDisk();
+  const auto database = openInPlace(path(), options);
+  renamesUntilFailure = 1;
+  store(*database, lumbarAt(2), 1);
+  ASSERT_EQ(database->notices().size(), 1U);
+  EXPECT_NE(database->notices()[0].find("index.sqlite"), std::string::npos);
+  EXPECT_FALSE(fs::exists(path() / ".vertana/index.sqlite"));
+  EXPECT_EQ(levelsIn(*database), std::vector<double>{2});
+  EXPECT_EQ(levelsIn(*openInPlace(path())), std::vector<double>{2});
+}
+
+TEST_F(FolderReportsTest, ForeignOrBrokenReportsAreNotStored) {
+  const auto database = openInPlace(path());
+  const auto before = photographOf(path());
+  const pelmar::Bytes report = reportOn(image(), lumbarAt(1), 1);
+  const fs::path fresh = database->freshPath(studyUid(), "dcm");
+  EXPECT_NE(database->store("9.9", fresh, report).problem->find("belongs to the study"), std::string::npos);
+  EXPECT_NE(database->store(studyUid(), fresh, {1, 2, 3}).problem->find("could not be read again"), std::string::npos);
+  EXPECT_NE(database->store(studyUid(), path() / "../x.dcm", report).problem->find("would not lie in"),
+            std::string::npos);
+  EXPECT_NE(database->store(studyUid(), image(), report).problem->find("is there already"), std::string::npos);
+  EXPECT_EQ(photographOf(path()), before);
+}
+
+TEST_F(FolderReportsTest, LeftoverOfACrashIsIgnoredAndCleanedUpLater) {
+  const fs::path old = path() / "sag/.vertana-00112233aabbccdd.tmp";
+  const fs::path young = path() / "sag/.vertana-ffeeddccbbaa0099.tmp";
+  for (const fs::path& file : {old, young}) writeBytes(file, reportOn(image(), lumbarAt(1), 1));
+  fs::last_write_time(old, fs::file_time_type::clock::now() - std::chrono::hours(25));
+  const auto database = openInPlace(path());
+  EXPECT_TRUE(database->labellings(studyUid()).empty());
+  EXPECT_TRUE(fs::exists(old)) << "looking removes nothing";
+  store(*database, lumbarAt(2), 2);
+  EXPECT_FALSE(fs::exists(old));
+  EXPECT_TRUE(fs::exists(young)) << "another process may be writing it";
+  EXPECT_EQ(levelsIn(*database), std::vector<double>{2});
+}
+
+TEST_F(FolderReportsTest, ReportInTwoFilesCountsOnce) {
+  const auto database = openInPlace(path());
+  const fs::path file = store(*database, lumbarAt(1), 1);
+  fs::copy_file(file, path() / "sag/zz copy.dcm");
+  EXPECT_EQ(levelsIn(*database), std::vector<double>{1});
+  ASSERT_EQ(database->reportSeries(studyUid()).size(), 1U);
+  EXPECT_EQ(database->reportSeries(studyUid())[0].files, std::vector<fs::path>{file});
+  EXPECT_EQ(database->studies()[0].reports, 1U);
+}
+
+TEST_F(FolderReportsTest, SeriesComeByNumberAndUidAndOnlyOursHoldLabellings) {
+  const auto put = [&](const std::string& name, int number, const char* seriesUid, const char* seriesNumber,
+                       const char* description) {
+    writeBytes(path() / name, reportOn(image(), lumbarAt(number), number));
+    edit(path() / name, [&](DcmDataset& dataset) {
+      dataset.putAndInsertString(DCM_SeriesInstanceUID, seriesUid);
+      dataset.putAndInsertString(DCM_SeriesNumber, seriesNumber);
+      dataset.putAndInsertString(DCM_SeriesDescription, description);
+    });
+  };
+  const std::string ours(labellingSeriesDescription);
+  put("1.dcm", 1, "1.9", "20170720", ours.c_str());
+  put("2.dcm", 2, "1.10", "20170720", ours.c_str());
+  put("3.dcm", 3, "1.1", "3", ours.c_str());
+  put("4.dcm", 4, "1.2", "20170720", "Another description");
+  put("5.dcm", 5, "1.9", "20170720", ours.c_str());
+  const auto database = openInPlace(path());
+  std::vector<std::string> series;
+  for (const ReportSeries& each : database->reportSeries(studyUid())) {
+    std::string text = std::to_string(each.seriesNumber) + " " + each.seriesInstanceUid;
+    for (const fs::path& file : each.files) text += " " + file.stem().string();
+    series.push_back(text);
+  }
+  EXPECT_EQ(series, (std::vector<std::string>{"3 1.1 3", "20170720 1.10 2", "20170720 1.2 4", "20170720 1.9 1 5"}));
+  EXPECT_EQ(levelsIn(*database), (std::vector<double>{1, 2, 5}));
+}
+
+TEST_F(FolderReportsTest, UnreadableLabellingIsListedWithItsReason) {
+  writeBytes(path() / "r.dcm", reportOn(image(), lumbarAt(1), 1));
+  edit(path() / "r.dcm", [](DcmDataset& dataset) {
+    const std::string noArchive = "bplist00 is not enough of an archive";
+    dataset.putAndInsertUint8Array(DcmTag(0x7321, 0x1003, EVR_OB), reinterpret_cast<const Uint8*>(noArchive.data()),
+                                   noArchive.size());
+  });
+  const std::vector<ShelvedReport> reports = openInPlace(path())->labellings(studyUid());
+  ASSERT_EQ(reports.size(), 1U);
+  EXPECT_FALSE(reports[0].labelling);
+  EXPECT_NE(reports[0].problem, "");
+}
+
+TEST_F(FolderReportsTest, EmptyStateIsALabellingThatMarksNoStudy) {
+  const auto database = openInPlace(path());
+  store(*database, lumbarAt(1), 1);
+  EXPECT_TRUE(database->studies()[0].holdsLabelling);
+  store(*database, {}, 2);
+  EXPECT_FALSE(database->studies()[0].holdsLabelling) << "the newest says that there is none";
+  store(*database, lumbarAt(3), 3);
+  EXPECT_TRUE(database->studies()[0].holdsLabelling);
+}
+
+TEST_F(FolderReportsTest, StudyWithReportsAloneIsListed) {
+  const TemporaryFolder other;
+  writeBytes(other.path() / "r", reportOn(image(), lumbarAt(1), 1));
+  const auto database = openInPlace(other.path());
+  ASSERT_EQ(database->studies().size(), 1U);
+  EXPECT_EQ(database->studies()[0].patientName, "Müller^Änne");
+  EXPECT_EQ(database->studies()[0].images, 0U);
+  EXPECT_TRUE(database->holdsStudy(studyUid()));
+  EXPECT_EQ(database->anyImage(studyUid()), "");
+  EXPECT_EQ(database->freshPath(studyUid(), "dcm").parent_path(), other.path());
+}
+
+}  // namespace
+}  // namespace workstation::test

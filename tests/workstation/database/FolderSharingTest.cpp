@@ -1,0 +1,124 @@
+// Several databases, in one process and in several, on one folder.
+
+#include <gtest/gtest.h>
+
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <algorithm>
+
+#include "FolderFixtures.h"
+
+namespace workstation::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Opens a folder with one study in one of the two ways.
+class FolderSharingTest : public ::testing::TestWithParam<bool> {
+ protected:
+  FolderSharingTest() {
+    writeStudy(source_.path());
+    if (GetParam())
+      openAsDatabase(folder_.path())->importFiles({source_.path()});
+    else
+      writeStudy(folder_.path());
+  }
+  std::unique_ptr<StudyDatabase> open(const OpenOptions& options = {}) const {
+    return GetParam() ? openAsDatabase(folder_.path(), options) : openInPlace(folder_.path(), options);
+  }
+
+  TemporaryFolder source_;
+  TemporaryFolder folder_;
+};
+
+TEST_P(FolderSharingTest, EachSeesWhatTheOtherStores) {
+  const auto one = open();
+  const auto two = open();
+  EXPECT_TRUE(two->labellings(studyUid()).empty());
+  store(*one, lumbarAt(1), 1);
+  EXPECT_EQ(levelsIn(*two), std::vector<double>{1});
+  store(*two, lumbarAt(2), 2);
+  EXPECT_EQ(levelsIn(*one), (std::vector<double>{1, 2}));
+  EXPECT_TRUE(one->notices().empty());
+  EXPECT_TRUE(two->notices().empty());
+}
+
+TEST_P(FolderSharingTest, ReportOfAnotherProcessIsSeen) {
+  const auto database = open();
+  EXPECT_TRUE(database->labellings(studyUid()).empty());
+  EXPECT_TRUE(inChild([&] {
+    store(*open(), lumbarAt(1), 1);
+    return true;
+  }));
+  EXPECT_EQ(levelsIn(*database), std::vector<double>{1});
+  EXPECT_TRUE(database->studies()[0].holdsLabelling);
+}
+
+TEST_P(FolderSharingTest, ProcessesThatStoreAtTheSameTimeLoseNothing) {
+  constexpr int each = 8;
+  std::vector<pid_t> children;
+  for (const int first : {100, 200, 300}) {
+    children.push_back(startChild([&] {
+      const auto database = open();
+      for (int i = 0; i < each; ++i) store(*database, lumbarAt(first + i), first + i);
+      return database->notices().empty();
+    }));
+  }
+  const auto database = open();
+  for (int i = 0; i < each; ++i) store(*database, lumbarAt(400 + i), 400 + i);
+  for (const pid_t child : children) EXPECT_TRUE(endsWell(child));
+  std::vector<double> expected;
+  for (const int first : {100, 200, 300, 400})
+    for (int i = 0; i < each; ++i) expected.push_back(first + i);
+  EXPECT_EQ(levelsIn(*database), expected);
+  EXPECT_TRUE(database->notices().empty());
+  const auto again = open();
+  EXPECT_EQ(levelsIn(*again), expected);
+  EXPECT_TRUE(again->notices().empty());
+}
+
+TEST_P(FolderSharingTest, ProcessThatDiesWithoutClosingLeavesASoundFolder) {
+  EXPECT_TRUE(inChild([&] {
+    auto database = open();
+    store(*database, lumbarAt(1), 1);
+    database.release();  // never closed: the process ends at once
+    return true;
+  }));
+  std::size_t reads = 0;
+  const auto database = open(countingReads(reads));
+  EXPECT_EQ(reads, 0U);
+  EXPECT_TRUE(database->notices().empty());
+  EXPECT_EQ(levelsIn(*database), std::vector<double>{1});
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, FolderSharingTest, ::testing::Bool(),
+                         [](const auto& row) { return row.param ? "Database" : "InPlace"; });
+
+TEST(FolderSharing, ManyProcessesMayMakeOneDatabase) {
+  const TemporaryFolder folder;
+  writeStudy(folder.path() / "studies/x");
+  std::vector<pid_t> children;
+  for (int i = 0; i < 4; ++i)
+    children.push_back(startChild([&] { return openAsDatabase(folder.path())->images(studyUid()).size() == 3; }));
+  for (const pid_t child : children) EXPECT_TRUE(endsWell(child));
+  EXPECT_TRUE(openAsDatabase(folder.path())->notices().empty());
+  EXPECT_FALSE(fs::exists(folder.path() / "index.sqlite.set-aside-1"));
+}
+
+TEST(FolderSharing, IndexThatFailsWhileItIsOpenIsReplacedByTheFiles) {
+  const TemporaryFolder folder;
+  writeStudy(folder.path() / "studies/x");
+  const auto database = openAsDatabase(folder.path());
+  {
+    SQLite::Database other((folder.path() / "index.sqlite").string(), SQLite::OPEN_READWRITE);
+    other.exec("PRAGMA foreign_keys = OFF; DROP TABLE image");
+  }
+  EXPECT_EQ(database->images(studyUid()).size(), 3U);
+  ASSERT_EQ(database->notices().size(), 2U) << "after the one that the new index was missing";
+  EXPECT_NE(database->notices()[1].find("cannot be used any longer"), std::string::npos);
+  store(*database, lumbarAt(1), 1);
+  EXPECT_EQ(levelsIn(*database), std::vector<double>{1});
+}
+
+}  // namespace
+}  // namespace workstation::test
