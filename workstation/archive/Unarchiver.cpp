@@ -211,16 +211,12 @@ std::optional<std::string> Unarchiver::text(const PlistNode& node) {
     refuse("there is something else where a text must stand");
     return std::nullopt;
   }
-  std::optional<std::string> text;
-  // A text has at least as many bytes as code units, so that a long one need not be fetched.
-  if (node.count <= bounds::textBytes) {
-    text = list_.text(node);
-    if (!text) {
-      refuse("there is a text whose characters are damaged");
-      return std::nullopt;
-    }
+  std::optional<std::string> text = list_.text(node);
+  if (!text) {
+    refuse("there is a text whose characters are damaged");
+    return std::nullopt;
   }
-  if (!text || text->size() > bounds::textBytes) {
+  if (text->size() > bounds::textBytes) {
     refuse("there is a text of more than " + std::to_string(bounds::textBytes) + " bytes");
     return std::nullopt;
   }

@@ -166,12 +166,30 @@ TEST(HostileArchive, trailers_that_lie_are_refused) {
   for (const Row& row :
        {Row{"offsets of no bytes", 6, 0}, Row{"offsets of 9 bytes", 6, 9}, Row{"offsets of 255 bytes", 6, 255},
         Row{"references of no bytes", 7, 0}, Row{"references of 9 bytes", 7, 9}, Row{"2^63 objects", 8, 0x80},
-        Row{"no objects", 15, 0}, Row{"2^16 more objects", 13, 1}, Row{"top out of range", 23, 200},
-        Row{"huge top", 16, 1}, Row{"table far behind", 24, 0x7F}, Row{"table in the signature", 31, 3}}) {
+        Row{"no objects", 15, 0}, Row{"more objects than offsets", 15, 200}, Row{"2^16 more objects", 13, 1},
+        Row{"top out of range", 23, 200}, Row{"huge top", 16, 1}, Row{"table far behind", 24, 0x7F},
+        Row{"table in the signature", 31, 3}}) {
     SCOPED_TRACE(row.what);
     Bytes bytes = good;
     bytes[trailer + row.position] = row.byte;
     expectRefused(bytes, "the last 32 bytes do not describe");
+  }
+}
+
+TEST(HostileArchive, offsets_that_lead_out_of_the_objects_are_refused) {
+  for (const std::uint8_t offset : Bytes{0, 7, 10, 255}) {
+    SCOPED_TRACE(static_cast<int>(offset));
+    ListMaker maker;
+    Bytes bytes = maker.list(maker.raw({0x51, 'a'}));  // one object at bytes 8 and 9, its offset right behind
+    bytes[13] = offset;
+    expectRefused(bytes, "entry 0 of the property list is damaged or missing");
+  }
+}
+
+TEST(HostileArchive, a_container_whose_references_reach_into_the_offset_table_is_refused) {
+  for (const Bytes& object : {Bytes{0xA2, 0, 0}, Bytes{0xD1, 0, 0}, Bytes{0xD1, 0, 0, 0}}) {
+    ListMaker maker;  // a reference takes two bytes
+    expectRefused(maker.list(maker.raw(object)), "entry 0 of the property list is damaged or missing");
   }
 }
 
