@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "workstation/dicom/DisplaySettings.h"
 #include "workstation/dicom/Fragments.h"
 #include "workstation/dicom/FrameGroups.h"
 #include "workstation/dicom/ImageLayout.h"
@@ -141,12 +142,14 @@ class FrameReader {
     const std::optional<double> intercept = rescale.number(DCM_RescaleIntercept);
     if (slope && std::isfinite(*slope) && *slope != 0) data.rescaleSlope = *slope;
     if (intercept && std::isfinite(*intercept)) data.rescaleIntercept = *intercept;
-    const Attributes window(groups.macro(frame_, DCM_FrameVOILUTSequence));
-    const std::optional<double> centre = window.number(DCM_WindowCenter);
-    const std::optional<double> width = window.number(DCM_WindowWidth);
-    if (centre && width && std::isfinite(*centre) && std::isfinite(*width) && *width > 0) {
-      data.windowCentre = centre;
-      data.windowWidth = width;
+    const DisplaySettings display = readDisplaySettings(groups.macro(frame_, DCM_FrameVOILUTSequence), dataset_,
+                                                        layout_.isSigned || data.rescaleIntercept < 0);
+    data.windows = display.windows;
+    data.windowFunction = display.function;
+    data.voiLuts = display.luts;
+    if (!data.windows.empty()) {
+      data.windowCentre = data.windows.front().centre;
+      data.windowWidth = data.windows.front().width;
     }
   }
 

@@ -9,7 +9,7 @@
 #include <cstring>
 #include <string>
 
-#include "workstation/dicom/Attributes.h"
+#include "workstation/dicom/LookupTable.h"
 
 namespace workstation {
 namespace {
@@ -26,41 +26,24 @@ struct PaletteChannel {
   }
 };
 
-/// The table's bytes in this machine's order: words for OW and US, as they stand for OB and UN.
-std::vector<std::uint16_t> tableWords(DcmElement& element, std::size_t entries) {
-  std::vector<std::uint16_t> words;
-  const Uint16* pointer = nullptr;
-  Uint16* wordPointer = nullptr;
-  if (element.getUint16Array(wordPointer).good()) pointer = wordPointer;
-  const std::size_t count = element.getLength() / 2;
-  if (pointer == nullptr) return words;
-  if (count >= entries) return {pointer, pointer + entries};
-  if (element.getLength() >= entries)  // two 8-bit entries a word
-    for (std::size_t i = 0; i < entries; ++i)
-      words.push_back(static_cast<std::uint16_t>((pointer[i / 2] >> (i % 2 == 0 ? 0 : 8)) & 0xff));
-  return words;
-}
-
 bool readChannel(DcmItem& dataset, const DcmTagKey& descriptorTag, const DcmTagKey& dataTag, PaletteChannel& channel,
                  std::string& problem) {
-  const std::vector<double> descriptor = Attributes(dataset).numbers(descriptorTag).value_or(std::vector<double>());
-  DcmElement* data = nullptr;
-  if (descriptor.size() != 3 || dataset.findAndGetElement(dataTag, data).bad() || data == nullptr) {
-    problem = "its palette is missing or segmented";
-    return false;
+  LookupTable table;
+  switch (readLookupTable(dataset, descriptorTag, dataTag, table)) {
+    case TableState::missing:
+      problem = "its palette is missing or segmented";
+      return false;
+    case TableState::tooShort:
+      problem = "its palette is shorter than it says";
+      return false;
+    case TableState::complete:
+      break;
   }
-  const auto count = static_cast<std::size_t>(static_cast<std::uint16_t>(static_cast<std::int32_t>(descriptor[0])));
-  const std::size_t entries = count == 0 ? 65536 : count;
-  channel.firstValue = static_cast<std::int32_t>(descriptor[1]);
-  const std::vector<std::uint16_t> words = tableWords(*data, entries);
-  if (words.size() != entries) {
-    problem = "its palette is shorter than it says";
-    return false;
-  }
+  channel.firstValue = table.firstMapped;
   // Some writers declare 16 bits and fill in 8; then nothing would be visible.
   const bool isWide =
-      descriptor[2] > 8 && std::any_of(words.begin(), words.end(), [](auto word) { return word > 255; });
-  for (const std::uint16_t word : words)
+      table.bits > 8 && std::any_of(table.entries.begin(), table.entries.end(), [](auto word) { return word > 255; });
+  for (const std::uint16_t word : table.entries)
     channel.entries.push_back(static_cast<std::uint8_t>(isWide ? word >> 8 : word));
   return true;
 }

@@ -48,6 +48,24 @@ struct ImageRecord {
   bool colour = false;  ///< more than one sample a pixel, or a palette
 };
 
+/// One of the windows that a file offers (PS3.3 C.11.2.1.2), in modality values.
+struct WindowSetting {
+  double centre = 0;
+  double width = 0;         ///< > 0
+  std::string explanation;  ///< UTF-8; empty where the file gives none
+};
+
+/// How a window turns values into brightness (PS3.3 C.11.2.1.2 and C.11.2.1.3).
+enum class WindowFunction { linear, linearExact, sigmoid };
+
+/// A table that turns modality values into brightness (PS3.3 C.11.2.1.1).
+struct VoiLut {
+  std::int32_t firstMapped = 0;        ///< the modality value of the first entry; lower ones get the first entry
+  int bits = 8;                        ///< 8 .. 16: brightest is 2^bits - 1
+  std::vector<std::uint16_t> entries;  ///< at least one; values beyond the last get the last
+  std::string explanation;             ///< UTF-8; empty where the file gives none
+};
+
 /// The decoded pixels of one slice.
 struct PixelData {
   int rows = 0;
@@ -58,7 +76,10 @@ struct PixelData {
   double rescaleIntercept = 0;
   std::optional<double> windowCentre;  ///< the first of the file's windows, in modality values
   std::optional<double> windowWidth;
-  bool monochrome1 = false;  ///< low values are shown bright
+  bool monochrome1 = false;            ///< low values are shown bright
+  std::vector<WindowSetting> windows;  ///< all that the file offers, in its order
+  WindowFunction windowFunction = WindowFunction::linear;
+  std::vector<VoiLut> voiLuts;  ///< all that the file offers, in its order: alternatives to the windows
 };
 
 /// Reads pixels when they are asked for.

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+class DcmItem;
+class DcmTagKey;
+
+namespace workstation {
+
+/// A table from values to values, as a descriptor and its data tell it (PS3.3 C.7.6.3.1.5, C.11.1.1). Internal to this
+/// folder.
+struct LookupTable {
+  std::int32_t firstMapped = 0;  ///< as it is read: a value over 32767 may be meant as a negative one
+  int bits = 16;                 ///< of each entry, as the descriptor says
+  std::vector<std::uint16_t> entries;
+};
+
+enum class TableState {
+  complete,
+  missing,   ///< no descriptor of three numbers, or no data
+  tooShort,  ///< fewer entries than the descriptor says
+};
+
+/// Reads a table. `table` is whole when the answer is `complete`, and otherwise undefined.
+TableState readLookupTable(DcmItem& item, const DcmTagKey& descriptorTag, const DcmTagKey& dataTag, LookupTable& table);
+
+}  // namespace workstation
