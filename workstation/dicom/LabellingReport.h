@@ -58,5 +58,8 @@ struct StoredReport {
 /// Reads a structured report. Refused, with a phrase that says why, when the file is not one.
 Result<StoredReport> readReport(const std::filesystem::path& file);
 Result<StoredReport> readReport(const pelmar::Bytes& file);
+/// Reads no more than the identifiers, numbers, description and time of a report: what comes after them in the file is
+/// not looked at, so that it may be damaged, and the archive and the content are left out.
+Result<StoredReport> readReportHeader(const std::filesystem::path& file);
 
 }  // namespace workstation

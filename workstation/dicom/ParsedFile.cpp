@@ -85,7 +85,7 @@ ParsedFile::ParsedFile() : format_(std::make_unique<DcmFileFormat>()) {}
 ParsedFile::~ParsedFile() = default;
 
 template <class Stream>
-bool ParsedFile::parseStream(Stream& stream, std::string& problem) {
+bool ParsedFile::parseStream(Stream& stream, bool headerOnly, std::string& problem) {
   OFCondition outcome = stream.status();
   if (outcome.bad()) {
     problem = std::string("it cannot be opened (") + outcome.text() + ")";
@@ -93,7 +93,8 @@ bool ParsedFile::parseStream(Stream& stream, std::string& problem) {
   }
   format_->clear();
   format_->transferInit();
-  outcome = format_->read(stream, EXS_Unknown, EGL_noChange, longestValueToLoad);
+  const DcmTagKey end = headerOnly ? DcmTagKey(0x0021, 0) : DCM_UndefinedTagKey;
+  outcome = format_->readUntilTag(stream, EXS_Unknown, EGL_noChange, longestValueToLoad, end);
   format_->transferEnd();
   if (stream.stopped().bad()) outcome = stream.stopped();
   if (outcome.good()) return true;
@@ -102,11 +103,19 @@ bool ParsedFile::parseStream(Stream& stream, std::string& problem) {
 }
 
 bool ParsedFile::parse(const std::filesystem::path& file, std::string& problem) {
+  return parseFile(file, false, problem);
+}
+
+bool ParsedFile::parseHeader(const std::filesystem::path& file, std::string& problem) {
+  return parseFile(file, true, problem);
+}
+
+bool ParsedFile::parseFile(const std::filesystem::path& file, bool headerOnly, std::string& problem) {
   prepareToolkit();
   std::error_code error;
   const std::uintmax_t fileLength = std::filesystem::file_size(file, error);
   GuardedStream<DcmInputFileStream> stream(error ? 0 : fileLength, OFFilename(file.c_str()));
-  return parseStream(stream, problem);
+  return parseStream(stream, headerOnly, problem);
 }
 
 bool ParsedFile::parse(const std::vector<std::uint8_t>& bytes, std::string& problem) {
@@ -114,7 +123,7 @@ bool ParsedFile::parse(const std::vector<std::uint8_t>& bytes, std::string& prob
   GuardedStream<DcmInputBufferStream> stream(bytes.size());
   stream.setBuffer(bytes.data(), static_cast<offile_off_t>(bytes.size()));
   stream.setEos();
-  return parseStream(stream, problem);
+  return parseStream(stream, false, problem);
 }
 
 DcmDataset& ParsedFile::dataset() { return *format_->getDataset(); }

@@ -23,7 +23,9 @@ class ParsedFile {
   /// Reads the structure. False, with a phrase in `problem`, when the file is damaged or truncated, or nested so deeply
   /// that reading it would not be safe.
   bool parse(const std::filesystem::path& file, std::string& problem);
-  /// The same of a file's bytes; long values are in memory, too.
+  /// The same of the elements up to group 0020 only: what the file is and where it belongs.
+  bool parseHeader(const std::filesystem::path& file, std::string& problem);
+  /// The same as parse of a file's bytes; long values are in memory, too.
   bool parse(const std::vector<std::uint8_t>& bytes, std::string& problem);
 
   DcmDataset& dataset();
@@ -32,7 +34,8 @@ class ParsedFile {
 
  private:
   template <class Stream>
-  bool parseStream(Stream& stream, std::string& problem);
+  bool parseStream(Stream& stream, bool headerOnly, std::string& problem);
+  bool parseFile(const std::filesystem::path& file, bool headerOnly, std::string& problem);
 
   std::unique_ptr<DcmFileFormat> format_;
 };

@@ -50,9 +50,8 @@ bool isReport(const StoredReport& report, const std::string& modality) {
   return modality == "SR" || report.sopClassUid.starts_with("1.2.840.10008.5.1.4.1.1.88.");
 }
 
-Result<StoredReport> reportIn(ParsedFile& file) {
-  DcmDataset& dataset = file.dataset();
-  const Attributes attributes(dataset);
+Result<StoredReport> headerIn(ParsedFile& file) {
+  const Attributes attributes(file.dataset());
   StoredReport report;
   report.studyInstanceUid = attributes.code(DCM_StudyInstanceUID);
   report.seriesInstanceUid = attributes.code(DCM_SeriesInstanceUID);
@@ -64,12 +63,18 @@ Result<StoredReport> reportIn(ParsedFile& file) {
   report.contentTime = {attributes.code(DCM_ContentDate), attributes.code(DCM_ContentTime)};
   if (!isReport(report, attributes.code(DCM_Modality)))
     return Result<StoredReport>::refused("it is not a structured report");
-  report.archive = archiveIn(dataset);
-  if (std::optional<ReportContent> content = parseContent(dataset)) {
-    report.content = std::move(content->labelling);
-    report.context = std::move(content->context);
-  }
   return Result<StoredReport>::of(std::move(report));
+}
+
+Result<StoredReport> reportIn(ParsedFile& file) {
+  Result<StoredReport> report = headerIn(file);
+  if (!report) return report;
+  report->archive = archiveIn(file.dataset());
+  if (std::optional<ReportContent> content = parseContent(file.dataset())) {
+    report->content = std::move(content->labelling);
+    report->context = std::move(content->context);
+  }
+  return report;
 }
 
 }  // namespace
@@ -91,6 +96,13 @@ Result<StoredReport> readReport(const pelmar::Bytes& file) {
   std::string problem;
   if (!parsed.parse(file, problem)) return Result<StoredReport>::refused(problem);
   return reportIn(parsed);
+}
+
+Result<StoredReport> readReportHeader(const std::filesystem::path& file) {
+  ParsedFile parsed;
+  std::string problem;
+  if (!parsed.parseHeader(file, problem)) return Result<StoredReport>::refused(problem);
+  return headerIn(parsed);
 }
 
 }  // namespace workstation
