@@ -194,6 +194,77 @@ TEST_F(PixelReaderTest, SharesColourDifferencesBetweenTwoPixelsOf422) {
   for (std::size_t i = 0; i < expected.size(); ++i) EXPECT_NEAR(data.samples[i], expected[i], 2) << i;
 }
 
+TEST_F(PixelReaderTest, GivesEveryWindowWithItsExplanation) {
+  write(axialImage(), file_);
+  change([](DcmDataset& data) {
+    data.putAndInsertString(DCM_SpecificCharacterSet, "ISO_IR 192");
+    data.putAndInsertString(DCM_WindowCenter, "40\\400\\7\\-600");
+    data.putAndInsertString(DCM_WindowWidth, "350\\1500\\0\\1600");
+    data.putAndInsertString(DCM_WindowCenterWidthExplanation, "SOFT\\ Kn\u00f6chern \\NONE");
+    data.putAndInsertString(DCM_VOILUTFunction, "SIGMOID");
+  });
+  const PixelData data = pixels();
+  ASSERT_EQ(data.windows.size(), 3U);  // a width of 0 is none
+  EXPECT_EQ(data.windows[0].centre, 40);
+  EXPECT_EQ(data.windows[0].explanation, "SOFT");
+  EXPECT_EQ(data.windows[1].width, 1500);
+  EXPECT_EQ(data.windows[1].explanation, "Kn\u00f6chern");
+  EXPECT_EQ(data.windows[2].centre, -600);
+  EXPECT_EQ(data.windows[2].explanation, "");
+  EXPECT_EQ(data.windowFunction, WindowFunction::sigmoid);
+  EXPECT_TRUE(data.voiLuts.empty());
+}
+
+/// Adds an item to the VOI LUT Sequence; the descriptor as unsigned words.
+void addVoiLut(DcmDataset& data, std::vector<Uint16> descriptor, std::vector<Uint16> entries, const char* explanation) {
+  DcmItem* item = nullptr;
+  data.findOrCreateSequenceItem(DCM_VOILUTSequence, item, -2);
+  item->putAndInsertUint16Array(DCM_LUTDescriptor, descriptor.data(), 3);
+  item->putAndInsertUint16Array(DCM_LUTData, entries.data(), entries.size());
+  if (explanation != nullptr) item->putAndInsertString(DCM_LUTExplanation, explanation);
+}
+
+TEST_F(PixelReaderTest, GivesTheTablesOfTheVoiLutSequence) {
+  write(sagittalImage(), file_);
+  change([](DcmDataset& data) {
+    data.findAndDeleteElement(DCM_WindowCenter);
+    addVoiLut(data, {3, 500, 12}, {10, 2000, 4095}, "SPINE");
+    addVoiLut(data, {2, 0, 8}, {1, 255}, nullptr);
+  });
+  const PixelData data = pixels();
+  EXPECT_TRUE(data.windows.empty());
+  EXPECT_FALSE(data.windowCentre);
+  ASSERT_EQ(data.voiLuts.size(), 2U);
+  EXPECT_EQ(data.voiLuts[0].firstMapped, 500);
+  EXPECT_EQ(data.voiLuts[0].bits, 12);
+  EXPECT_EQ(data.voiLuts[0].entries, (std::vector<std::uint16_t>{10, 2000, 4095}));
+  EXPECT_EQ(data.voiLuts[0].explanation, "SPINE");
+  EXPECT_EQ(data.voiLuts[1].explanation, "");
+}
+
+TEST_F(PixelReaderTest, FirstMappedValueIsNegativeWhereValuesCanBe) {
+  write(sagittalImage(), file_);
+  change([](DcmDataset& data) {
+    data.putAndInsertString(DCM_RescaleIntercept, "-1024");
+    addVoiLut(data, {1, 65536 - 1000, 8}, {7}, nullptr);
+  });
+  ASSERT_EQ(pixels().voiLuts.size(), 1U);
+  EXPECT_EQ(pixels().voiLuts[0].firstMapped, -1000);
+}
+
+TEST_F(PixelReaderTest, LeavesOutVoiTablesThatAreNotWhole) {
+  write(sagittalImage(), file_);
+  change([](DcmDataset& data) {
+    addVoiLut(data, {9, 0, 8}, {1, 2}, "shorter than it says");
+    addVoiLut(data, {2, 0, 77}, {1, 2}, "of 77 bits");
+    addVoiLut(data, {0, 0, 16}, {1, 2}, "65536 entries are said");
+    addVoiLut(data, {2, 0, 16}, {1, 2}, "whole");
+  });
+  const PixelData data = pixels();
+  ASSERT_EQ(data.voiLuts.size(), 1U);
+  EXPECT_EQ(data.voiLuts[0].explanation, "whole");
+}
+
 TEST_F(PixelReaderTest, LooksColoursUpInAPalette) {
   write(sagittalImage(), file_);
   change([](DcmDataset& data) {
