@@ -1,81 +1,14 @@
 #include "cli/Arguments.h"
 
-#include <CLI/CLI.hpp>
 #include <charconv>
 #include <cmath>
 #include <limits>
 
+#include "cli/Options.h"
+
 namespace cli {
 
 namespace {
-
-const std::map<std::string, int> regionsByName{{"cervical", 0}, {"thoracic", 1}, {"lumbar", 2}};
-
-/// What CLI11 fills in before it is checked any further.
-struct RawArguments {
-  DemoArguments demo;
-  PhantomArguments phantom;
-  InfoArguments info;
-  LabelArguments label;
-  std::string phantomRegion;
-  std::optional<std::string> seed;
-  std::optional<std::string> series;
-  std::optional<std::string> slice;
-  std::string labelRegion;
-  std::string line;
-  std::string polygon;
-};
-
-std::string checkRegion(const std::string& name) {
-  return regionsByName.contains(name) ? "" : "'" + name + "' is no region: give cervical, thoracic or lumbar";
-}
-
-CLI::App* addDemo(CLI::App& app, RawArguments& raw) {
-  auto* demo = app.add_subcommand("demo", "Label a phantom study and tell what came out");
-  demo->add_option("--out", raw.demo.outDir, "New or empty folder (default: a temporary one)")->type_name("DIR");
-  demo->footer("Example:\n  vertana demo");
-  return demo;
-}
-
-CLI::App* addPhantom(CLI::App& app, RawArguments& raw) {
-  auto* phantom = app.add_subcommand("phantom", "Write a synthetic spine study with known truth");
-  phantom->add_option("--region", raw.phantomRegion, "cervical, thoracic or lumbar")
-      ->required()
-      ->type_name("REGION")
-      ->check(checkRegion);
-  phantom->add_option("--out", raw.phantom.outDir, "Folder to write to (new or empty)")->required()->type_name("DIR");
-  phantom->add_option("--seed", raw.seed, "Another number, another patient (default 1)")->type_name("N");
-  phantom->add_flag("--extra-vertebra", raw.phantom.extraVertebra, "One more vertebra: C8, T13 or L6");
-  phantom->add_flag("--angled-axials", raw.phantom.angledAxials, "Also axial blocks tilted to the discs");
-  phantom->add_flag("--ct", raw.phantom.ct, "A CT with 512 thin axial slices instead of an MR");
-  phantom->footer("Example:\n  vertana phantom --region lumbar --angled-axials --out /tmp/spine");
-  return phantom;
-}
-
-CLI::App* addInfo(CLI::App& app, RawArguments& raw) {
-  auto* info = app.add_subcommand("info", "List a study's series, region and unusable files");
-  info->add_option("STUDY", raw.info.study, "Folder of DICOM files")->required()->type_name("");
-  info->add_flag("--json", raw.info.json, "Print JSON for programs");
-  info->footer("Example:\n  vertana info /tmp/spine");
-  return info;
-}
-
-CLI::App* addLabel(CLI::App& app, RawArguments& raw) {
-  auto* label = app.add_subcommand("label", "Draw along the spine and name every axial slice");
-  label->add_option("STUDY", raw.label.study, "Folder of DICOM files")->required()->type_name("");
-  label->add_option("--line", raw.line, "Length line, in pixels of the vertical slice")->type_name("X0,Y0,X1,Y1");
-  label->add_option("--polygon", raw.polygon, "Open polygon through the discs, in pixels")
-      ->type_name("X0,Y0,X1,Y1,...");
-  label->add_option("--series", raw.series, "Series Number of the series to draw on")->type_name("N");
-  label->add_option("--slice", raw.slice, "Slice to draw on, from 0 (default: the middle one)")->type_name("K");
-  label->add_option("--region", raw.labelRegion, "cervical, thoracic or lumbar (default: guessed)")
-      ->type_name("REGION")
-      ->check(checkRegion);
-  label->add_flag("--extra-vertebra", raw.label.extraVertebra, "The region has one more vertebra: C8, T13 or L6");
-  label->add_flag("--json", raw.label.json, "Print JSON for programs");
-  label->footer("Example:\n  vertana label /tmp/spine --line 197,46,204,274");
-  return label;
-}
 
 /// A whole number in decimal digits that fits the type.
 template <class Number>
@@ -136,8 +69,8 @@ std::optional<Failure> checkCommandName(const CLI::App& app, int argc, const cha
     if (command->get_name() == first) return std::nullopt;
     known += (known.empty() ? "" : ", ") + command->get_name();
   }
-  const std::string problem = argc < 2 ? "No command was given" : "'" + first + "' is no command";
-  return Failure{ExitUsage, problem + "; there are " + known + " (vertana --help tells the usage)"};
+  std::string problem = argc < 2 ? "No command was given" : "'" + first + "' is no command";
+  return Failure{ExitUsage, problem.append("; there are ").append(known).append(" (vertana --help tells the usage)")};
 }
 
 /// What the parser complains of, where its own words are not clear.
@@ -175,8 +108,9 @@ Expected<std::vector<pelmar::PixelPoint>> parsePoints(const std::string& text, c
     const char* const end = word.data() + word.size();
     const auto [stopped, error] = std::from_chars(word.data(), end, number);
     if (error != std::errc() || stopped != end || !std::isfinite(number)) {
-      return Failure{ExitUsage,
-                     option + " takes numbers with commas between them, X0,Y0,X1,Y1: '" + word + "' is not a number."};
+      std::string problem = option;
+      problem.append(" takes numbers with commas between them, X0,Y0,X1,Y1: '").append(word);
+      return Failure{ExitUsage, problem.append("' is not a number.")};
     }
     numbers.push_back(number);
     start = comma + 1;
@@ -201,10 +135,7 @@ Expected<Arguments> parseArguments(int argc, const char* const* argv) {
       "3 input unreadable.\n"
       "Example:\n  vertana demo");
   RawArguments raw;
-  const auto* demo = addDemo(app, raw);
-  const auto* phantom = addPhantom(app, raw);
-  const auto* info = addInfo(app, raw);
-  const auto* label = addLabel(app, raw);
+  addCommands(app, raw);
   if (auto problem = checkCommandName(app, argc, argv)) return *problem;
   try {
     app.parse(argc, argv);
@@ -215,11 +146,15 @@ Expected<Arguments> parseArguments(int argc, const char* const* argv) {
   } catch (const CLI::ParseError& error) {
     return Failure{ExitUsage, complaintOf(error) + " (vertana --help tells the usage)"};
   }
-  if (demo->parsed()) return Arguments(raw.demo);
-  if (phantom->parsed()) return phantomArguments(raw);
-  if (info->parsed()) return Arguments(raw.info);
-  if (label->parsed()) return labelArguments(raw);
-  return Failure{ExitUsage, "No command was given (vertana --help tells the usage)"};  // the parser requires one
+  const auto command = app.get_subcommands().front()->get_name();  // the parser requires one
+  if (command == "demo") return Arguments(raw.demo);
+  if (command == "phantom") return phantomArguments(raw);
+  if (command == "import") return Arguments(raw.import);
+  if (command == "info") return Arguments(raw.info);
+  if (command == "label") return labelArguments(raw);
+  if (command == "show") return Arguments(raw.show);
+  if (command == "history") return Arguments(raw.history);
+  return Arguments(raw.restore);
 }
 
 }  // namespace cli

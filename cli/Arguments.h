@@ -24,13 +24,21 @@ struct PhantomArguments {
   bool ct = false;
 };
 
+struct ImportArguments {
+  std::vector<std::string> paths;
+  std::string database;
+};
+
+/// A study is a folder of DICOM files, or, with a database folder, a Study Instance UID.
 struct InfoArguments {
   std::string study;
+  std::string database;
   bool json = false;
 };
 
 struct LabelArguments {
   std::string study;
+  std::string database;
   bool polygon = false;                    ///< otherwise a line
   std::vector<pelmar::PixelPoint> points;  ///< two of a line, at least two of a polygon
   std::optional<int> series;               ///< Series Number of the vertical series
@@ -40,12 +48,32 @@ struct LabelArguments {
   bool json = false;
 };
 
+struct ShowArguments {
+  std::string study;
+  std::string database;
+  bool json = false;
+  bool csv = false;
+};
+
+struct HistoryArguments {
+  std::string study;
+  std::string database;
+  bool json = false;
+};
+
+struct RestoreArguments {
+  std::string study;
+  std::string database;
+  std::string object;  ///< SOP Instance UID
+};
+
 /// Help or version was asked for: print the text and be done.
 struct TextToPrint {
   std::string text;
 };
 
-using Arguments = std::variant<TextToPrint, DemoArguments, PhantomArguments, InfoArguments, LabelArguments>;
+using Arguments = std::variant<TextToPrint, DemoArguments, PhantomArguments, ImportArguments, InfoArguments,
+                               LabelArguments, ShowArguments, HistoryArguments, RestoreArguments>;
 
 /// Reads the command line; what is wrong with it is a Failure with ExitUsage.
 Expected<Arguments> parseArguments(int argc, const char* const* argv);

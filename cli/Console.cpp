@@ -19,6 +19,11 @@ void rememberInterrupt(int) { interruptSeen = 1; }
 
 void printMessage(const std::string& sentence) { std::cerr << "vertana: " << printable(sentence) << '\n'; }
 
+int fail(const Failure& failure) {
+  printMessage(failure.sentence);
+  return failure.status;
+}
+
 void catchInterrupts() { std::signal(SIGINT, rememberInterrupt); }
 
 bool interrupted() { return interruptSeen != 0; }

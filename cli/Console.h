@@ -4,10 +4,15 @@
 #include <cstddef>
 #include <string>
 
+#include "cli/ExitStatus.h"
+
 namespace cli {
 
 /// Prints one message line on standard error, after the program's name. What a terminal would obey is made harmless.
 void printMessage(const std::string& sentence);
+
+/// Prints the failure; its status.
+int fail(const Failure& failure);
 
 /// Catches the interrupt key: long work asks interrupted() and stops at the next step.
 void catchInterrupts();

@@ -1,4 +1,4 @@
-// The whole main job on a phantom: make it, label it, compare with what is true of it.
+// The whole main job on a phantom: make it, label it, save, open it anew, compare with what is true of it.
 #include <unistd.h>
 
 #include <filesystem>
@@ -45,8 +45,8 @@ std::vector<pelmar::PixelPoint> clicksOnDiscs(const nlohmann::json& truth, const
   return clicks;
 }
 
-/// How many of the slices that truly cut a disc carry that disc's name.
-void printComparison(const Labelling& labelling, const nlohmann::json& truth) {
+/// Says how many of the slices that truly cut a disc carry that disc's name; whether all do.
+bool printComparison(const Labelling& labelling, const nlohmann::json& truth) {
   std::map<std::pair<std::string, int>, std::string> trueLevels;
   for (const auto& slice : truth["slices"]) trueLevels[{slice["sop"], slice["frame"]}] = slice["level"];
   std::map<std::string, bool> isDisc;
@@ -61,11 +61,52 @@ void printComparison(const Labelling& labelling, const nlohmann::json& truth) {
   }
   std::cout << "\nThe phantom knows its discs: " << right << " of the " << discs
             << " axial slices that cut a disc carry that disc's name.\n";
+  return discs > 0 && right == discs;
 }
 
-int fail(const Failure& failure) {
-  printMessage(failure.sentence);
-  return failure.status;
+/// The middle slice of the first sagittal stack.
+std::optional<workstation::ImageGeometry> drawnOn(const workstation::Workstation& workstation,
+                                                  const std::string& study) {
+  for (const auto& id : workstation.stacks(study)) {
+    const auto* stack = workstation.stack(id);
+    if (stack->plane == workstation::Plane::sagittal) return stack->slices[stack->slices.size() / 2].geometry;
+  }
+  return std::nullopt;
+}
+
+Expected<Labelling> drawAndStore(StudySource& source, const std::string& study, const LabelArguments& arguments) {
+  auto session = StudySession::open(source, study);
+  if (!session) return session.failure;
+  auto labelling = labelStudy(**session, study, arguments);
+  (*session)->printNotices();
+  (*session)->workstation().quit();
+  return labelling;
+}
+
+/// Nothing of the run that stored it is left: another source, another plug-in.
+Expected<Labelling> openAnew(const std::string& folder, const std::string& study) {
+  auto source = StudySource::open(folder, "");
+  if (!source) return source.failure;
+  auto session = StudySession::open(**source, study);
+  if (!session) return session.failure;
+  return storedLabelling(**session, study);
+}
+
+bool sameNames(const Labelling& a, const Labelling& b) {
+  return std::equal(a.slices.begin(), a.slices.end(), b.slices.begin(), b.slices.end(),
+                    [](const LabelledSlice& one, const LabelledSlice& other) {
+                      return one.sopInstanceUid == other.sopInstanceUid && one.frame == other.frame &&
+                             one.name == other.name;
+                    });
+}
+
+void printWhatToTry(const std::string& folder, const std::vector<pelmar::PixelPoint>& points) {
+  std::cout << "\nTry it yourself:\n  vertana show " << folder << "\n  vertana history " << folder
+            << "\n  vertana label " << folder << " --polygon ";
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    std::cout << (i ? "," : "") << std::lround(points[i].x) << ',' << std::lround(points[i].y);
+  }
+  std::cout << '\n';
 }
 
 }  // namespace
@@ -80,35 +121,36 @@ int runDemo(const DemoArguments& arguments) {
   if (const int status = runPhantom(phantomArguments); status != ExitDone) return status;
 
   std::cout << "\n2. A click on each disc of the sagittal series, then the palette is closed\n\n";
-  auto read = readStudyFolder(folder);
-  if (!read) return fail(read.failure);
+  auto source = StudySource::open(folder, "");
+  if (!source) return fail(source.failure);
   const auto truth = readTruth(folder);
   if (!truth.is_object()) return fail({ExitUnreadable, folder + "/truth.json is not what the phantom wrote."});
-  auto session = StudySession::open(std::move(read->images));
-  if (!session) return fail(session.failure);
-  auto& workstation = (*session)->workstation();
-  const auto& study = (*session)->studies().front();
-
+  const auto& study = (*source)->studies().front();
   LabelArguments label;
   label.study = folder;
   label.polygon = true;
-  for (const auto& id : workstation.stacks(study)) {
-    const auto* stack = workstation.stack(id);
-    if (stack->plane != workstation::Plane::sagittal) continue;
-    label.points = clicksOnDiscs(truth, *stack->slices[stack->slices.size() / 2].geometry);
-    break;
+  {
+    auto session = StudySession::open(**source, study);
+    if (!session) return fail(session.failure);
+    const auto slice = drawnOn((*session)->workstation(), study);
+    if (!slice) return fail({ExitNotAllowed, "The phantom has no sagittal series to draw on."});
+    label.points = clicksOnDiscs(truth, *slice);
   }
-  const auto labelling = labelStudy(workstation, study, label);
+  const auto labelling = drawAndStore(**source, study, label);
   if (!labelling) return fail(labelling.failure);
   printLabelling(std::cout, *labelling);
-  printComparison(*labelling, truth);
-  std::cout << "\nTry it yourself:\n  vertana info " << folder << "\n  vertana label " << folder << " --polygon ";
-  for (std::size_t i = 0; i < label.points.size(); ++i) {
-    std::cout << (i ? "," : "") << std::lround(label.points[i].x) << ',' << std::lround(label.points[i].y);
-  }
-  std::cout << '\n';
-  workstation.quit();
-  return ExitDone;
+  const bool right = printComparison(*labelling, truth);
+
+  std::cout << "\n3. The labelling lies in the study: it is opened anew\n\n";
+  const auto reopened = openAnew(folder, study);
+  if (!reopened) return fail(reopened.failure);
+  const bool same = sameNames(*labelling, *reopened);
+  std::cout << "All " << reopened->slices.size() << " axial slices "
+            << (same ? "carry the same names as before." : "should carry the same names as before, but do not.")
+            << '\n';
+  printWhatToTry(folder, label.points);
+  if (right && same) return ExitDone;
+  return fail({ExitNotAllowed, "The demonstration went wrong: see above. Please report it with this text."});
 }
 
 }  // namespace cli

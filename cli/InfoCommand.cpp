@@ -34,6 +34,8 @@ struct StudyFacts {
   std::string patientId;
   std::string date;
   int guessedRegion = -1;
+  workstation::StoredStatus stored;
+  std::vector<BadFile> unreadableReports;
   std::vector<StackRow> stacks;
 };
 
@@ -63,7 +65,8 @@ int guessRegion(Workstation& workstation, const std::string& studyUid) {
   return guess;
 }
 
-StudyFacts factsOf(Workstation& workstation, const std::string& studyUid) {
+StudyFacts factsOf(StudySession& session, const std::string& studyUid) {
+  auto& workstation = session.workstation();
   const auto* study = workstation.study(studyUid);
   StudyFacts facts{studyUid,
                    study->description,
@@ -71,7 +74,12 @@ StudyFacts factsOf(Workstation& workstation, const std::string& studyUid) {
                    study->patientId,
                    study->date,
                    guessRegion(workstation, studyUid),
+                   session.store().status(studyUid),
+                   {},
                    {}};
+  for (const auto& report : session.store().unreadable(studyUid)) {
+    facts.unreadableReports.push_back({report.file.string(), report.problem, false});
+  }
   for (const auto& id : workstation.stacks(studyUid)) {
     const auto* series = workstation.series(id);
     const auto* stack = workstation.stack(id);
@@ -109,27 +117,42 @@ void printTable(std::ostream& out, const std::vector<Cells>& rows) {
 
 std::string orElse(const std::string& text, const std::string& otherwise) { return text.empty() ? otherwise : text; }
 
+std::string storedText(const workstation::StoredStatus& stored) {
+  if (!stored.state) return "none stored";
+  if (stored.state->isEmpty()) return "none stored (reset)";
+  const auto levels = stored.state->levels ? stored.state->levels->size() : 0;
+  return regionName(stored.state->anatomicalRegion.value_or(-1)) + ", " + counted(levels, "level", "levels");
+}
+
+ordered_json jsonOf(const workstation::StoredStatus& stored) {
+  if (!stored.state) return nullptr;
+  const auto& state = *stored.state;
+  return {{"counting", stored.counting},
+          {"anatomicalRegion", state.anatomicalRegion ? ordered_json(*state.anatomicalRegion) : ordered_json()},
+          {"levels", state.levels ? state.levels->size() : 0}};
+}
+
 void printFacts(std::ostream& out, const StudyFacts& facts) {
   out << "Study    " << printable(facts.uid) << '\n';
   out << "Says     " << (facts.description ? "\"" + printable(*facts.description) + "\"" : "(no description)") << '\n';
   out << "Patient  " << printable(orElse(facts.patientName, "(no name)")) << ", "
       << printable(orElse(facts.patientId, "(no ID)")) << ", " << printable(orElse(facts.date, "(no date)")) << '\n';
   out << "Region   " << (facts.guessedRegion < 0 ? "not told by the study" : regionName(facts.guessedRegion)) << '\n';
-  out << "Labels   none stored\n\n";
+  out << "Labels   " << storedText(facts.stored) << "\n\n";
   std::vector<Cells> rows{{"series", "stack", "orientation", "slices", "size", "kind", "description"}};
   for (const auto& row : facts.stacks) rows.push_back(cellsOf(row));
   printTable(out, rows);
 }
 
 /// What the folder holds besides the series; nothing where there is nothing else.
-void printLeftOut(std::ostream& out, const StudyFolder& folder) {
+void printLeftOut(std::ostream& out, const LeftOut& left) {
   std::string list;
   const auto add = [&](std::size_t count, const std::string& one, const std::string& many) {
     if (count > 0) list += (list.empty() ? "" : ", ") + counted(count, one, many);
   };
-  add(folder.notDicom, "file that is not DICOM", "files that are not DICOM");
-  add(folder.otherObjects, "DICOM object that is no image", "DICOM objects that are no images");
-  add(folder.copies, "copy of an image above", "copies of images above");
+  add(left.notDicom, "file that is not DICOM", "files that are not DICOM");
+  add(left.otherObjects, "DICOM object that is no image", "DICOM objects that are no images");
+  add(left.copies, "copy of an image above", "copies of images above");
   if (!list.empty()) out << "\nLeft out: " << list << ".\n";
 }
 
@@ -150,10 +173,13 @@ ordered_json jsonOf(const StudyFacts& facts, const std::vector<BadFile>& bad) {
                               {"rows", row.rows},
                               {"columns", row.columns}});
   }
-  json["stored"] = nullptr;
+  json["stored"] = jsonOf(facts.stored);
   json["unreadable"] = ordered_json::array();
   for (const auto& file : bad) {
     if (!file.shown) json["unreadable"].push_back({{"file", file.file}, {"reason", file.reason}});
+  }
+  for (const auto& file : facts.unreadableReports) {
+    json["unreadable"].push_back({{"file", file.file}, {"reason", file.reason}});
   }
   return json;
 }
@@ -161,31 +187,26 @@ ordered_json jsonOf(const StudyFacts& facts, const std::vector<BadFile>& bad) {
 }  // namespace
 
 int runInfo(const InfoArguments& arguments) {
-  auto folder = readStudyFolder(arguments.study);
-  if (!folder) {
-    printMessage(folder.failure.sentence);
-    return folder.failure.status;
-  }
-  // Each study in a workstation of its own: what is open of one must not bear on the guess for another.
-  std::map<std::string, std::vector<workstation::ImageRecord>> imagesByStudy;
-  for (auto& image : folder->images) imagesByStudy[image.studyInstanceUid].push_back(std::move(image));
+  auto source = StudySource::open(arguments.study, arguments.database);
+  if (!source) return fail(source.failure);
   bool first = true;
-  for (auto& [uid, images] : imagesByStudy) {
-    auto session = StudySession::open(std::move(images));
-    if (!session) {
-      printMessage(session.failure.sentence);
-      return session.failure.status;
+  // Each study in a workstation of its own: what is open of one must not bear on the guess for another.
+  for (const auto& study : (*source)->studies()) {
+    auto session = StudySession::open(**source, study);
+    if (!session) return fail(session.failure);
+    const auto facts = factsOf(**session, study);
+    for (const auto& report : facts.unreadableReports) {
+      printMessage(report.file + " does not count as a labelling: " + report.reason);
     }
-    const auto facts = factsOf((*session)->workstation(), uid);
     if (arguments.json) {
-      std::cout << jsonOf(facts, folder->bad).dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+      std::cout << jsonOf(facts, (*source)->bad()).dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
     } else {
       if (!first) std::cout << '\n';
       printFacts(std::cout, facts);
     }
     first = false;
   }
-  if (!arguments.json) printLeftOut(std::cout, *folder);
+  if (!arguments.json) printLeftOut(std::cout, (*source)->leftOut());
   return ExitDone;
 }
 

@@ -1,5 +1,6 @@
 #include "cli/LabelReport.h"
 
+#include <charconv>
 #include <iomanip>
 #include <nlohmann/json.hpp>
 
@@ -19,6 +20,21 @@ std::string seriesTitle(const std::optional<int>& series, std::size_t stack) {
 
 std::string sliceRange(int first, int last) {
   return first == last ? std::to_string(first) : std::to_string(first) + "-" + std::to_string(last);
+}
+
+/// A text as a field of a table.
+std::string csvField(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (const char letter : text) quoted += letter == '"' ? std::string("\"\"") : std::string(1, letter);
+  return quoted + '"';
+}
+
+/// The shortest text that reads back to the same number.
+std::string shortestText(double number) {
+  std::array<char, 32> text{};
+  const auto end = std::to_chars(text.data(), text.data() + text.size(), number).ptr;
+  return {text.data(), end};
 }
 
 /// One line for each run of neighbouring slices with the same level; returns where the next stack begins.
@@ -44,11 +60,12 @@ std::size_t printStack(std::ostream& out, const std::vector<LabelledSlice>& slic
 
 }  // namespace
 
-void printLabelling(std::ostream& out, const Labelling& labelling) {
+void printLabelling(std::ostream& out, const Labelling& labelling, std::string_view beginning) {
   const auto regionTitle = regionName(labelling.region);
-  out << "Labelled the " << regionTitle << " spine" << (labelling.additionalVertebra ? " with an extra vertebra" : "")
-      << ", drawn on " << seriesTitle(labelling.verticalSeries, labelling.verticalStack) << ", slice "
-      << labelling.verticalSlice << " of 0-" << labelling.verticalSlices - 1 << ".\n\n";
+  out << beginning << " the " << regionTitle << " spine"
+      << (labelling.additionalVertebra ? " with an extra vertebra" : "") << ", drawn on "
+      << seriesTitle(labelling.verticalSeries, labelling.verticalStack) << ", slice " << labelling.verticalSlice
+      << " of 0-" << labelling.verticalSlices - 1 << ".\n\n";
   out << "  disc        centre: left, back, head (mm)\n";
   for (const auto& plane : labelling.planes) {
     out << "  " << std::left << std::setw(10) << plane.name << std::right << std::fixed << std::setprecision(1);
@@ -67,8 +84,11 @@ void printLabellingAsJson(std::ostream& out, const Labelling& labelling) {
   json["vertical"] = {{"series", numberOrNull(labelling.verticalSeries)},
                       {"stack", labelling.verticalStack},
                       {"slice", labelling.verticalSlice}};
-  json["curve"] = ordered_json::array();
-  for (const auto& point : labelling.curve) json["curve"].push_back(ordered_json::array({point.x, point.y}));
+  json["curve"] = nullptr;
+  if (labelling.curve) {
+    json["curve"] = ordered_json::array();
+    for (const auto& point : *labelling.curve) json["curve"].push_back(ordered_json::array({point.x, point.y}));
+  }
   json["intervertebralPlanes"] = ordered_json::array();
   for (const auto& plane : labelling.planes) {
     json["intervertebralPlanes"].push_back({{"name", plane.name}, {"point", plane.point}, {"vector", plane.vector}});
@@ -84,6 +104,22 @@ void printLabellingAsJson(std::ostream& out, const Labelling& labelling) {
                               {"sameFrameOfReference", slice.sameFrameOfReference}});
   }
   out << json.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+}
+
+void printLabellingAsCsv(std::ostream& out, const Labelling& labelling) {
+  out << "study,kind,name,x,y,z,nx,ny,nz,series,stack,slice,sop,frame,sameFrameOfReference\n";
+  for (const auto& plane : labelling.planes) {
+    out << csvField(labelling.studyUid) << ",disc," << csvField(plane.name);
+    for (const double coordinate : plane.point) out << ',' << shortestText(coordinate);
+    for (const double coordinate : plane.vector) out << ',' << shortestText(coordinate);
+    out << ",,,,,,\n";
+  }
+  for (const auto& slice : labelling.slices) {
+    out << csvField(labelling.studyUid) << ",slice," << csvField(slice.name.value_or("")) << ",,,,,,,"
+        << (slice.series ? std::to_string(*slice.series) : "") << ',' << slice.stack << ',' << slice.slice << ','
+        << csvField(slice.sopInstanceUid) << ',' << slice.frame << ','
+        << (slice.sameFrameOfReference ? "true" : "false") << '\n';
+  }
 }
 
 }  // namespace cli

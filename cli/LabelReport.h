@@ -6,10 +6,14 @@
 
 namespace cli {
 
-/// For people: what was drawn on, the discs, and which slices of each axial series carry which level.
-void printLabelling(std::ostream& out, const Labelling& labelling);
+/// For people: what was drawn on, the discs, and which slices of each axial series carry which level. `beginning`
+/// stands before "the lumbar spine ...".
+void printLabelling(std::ostream& out, const Labelling& labelling, std::string_view beginning = "Labelled");
 
 /// For programs: one JSON object.
 void printLabellingAsJson(std::ostream& out, const Labelling& labelling);
+
+/// A table with a header line: a row a disc, then a row a slice. Texts are quoted where they need it (RFC 4180).
+void printLabellingAsCsv(std::ostream& out, const Labelling& labelling);
 
 }  // namespace cli

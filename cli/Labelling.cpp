@@ -2,6 +2,8 @@
 
 #include <map>
 
+#include "cli/Console.h"
+#include "cli/PluginFacts.h"
 #include "cli/VerticalSlice.h"
 #include "host/PelmarAPI.h"
 
@@ -14,30 +16,6 @@ using workstation::Workstation;
 namespace {
 
 constexpr std::string_view axialLabelTag = "VertanaFilterAxialLabel";
-
-Value entry(const Value& value, std::string_view key) {
-  const auto* dictionary = value.dictionary();
-  if (!dictionary) return {};
-  const auto found = dictionary->find(key);
-  return found == dictionary->end() ? Value() : found->second;
-}
-
-std::array<double, 3> coordinates(const Value& value) {
-  const auto point = pelmar::ref_cast<pelmar::Point3D>(value.object());
-  return {point->x(), point->y(), point->z()};
-}
-
-std::vector<LabelledPlane> planesFrom(const Value& state) {
-  std::vector<LabelledPlane> planes;
-  const auto records = entry(state, "intervertebralPlanes");
-  if (!records.array()) return planes;
-  for (const auto& record : *records.array()) {
-    const auto name = entry(record, "name");
-    planes.push_back({name.string() ? *name.string() : "", coordinates(entry(record, "point")),
-                      coordinates(entry(record, "vector"))});
-  }
-  return planes;
-}
 
 std::vector<PixelPoint> curveFrom(const Value& state) {
   std::vector<PixelPoint> curve;
@@ -125,7 +103,16 @@ Expected<std::vector<PixelPoint>> draw(Workstation& workstation, int viewer, int
 
 }  // namespace
 
-Expected<Labelling> labelStudy(Workstation& workstation, const std::string& studyUid, const LabelArguments& arguments) {
+void warnOfOtherFrames(const Labelling& labelling) {
+  for (const auto& slice : labelling.slices) {
+    if (slice.sameFrameOfReference) continue;
+    printMessage("Some axial slices lie in another frame of reference than the drawing: their levels are not sure.");
+    return;
+  }
+}
+
+Expected<Labelling> labelStudy(StudySession& session, const std::string& studyUid, const LabelArguments& arguments) {
+  auto& workstation = session.workstation();
   const auto opened = workstation.openStudy(studyUid);
   if (!opened) return Failure{ExitNotAllowed, opened.problem};
   auto vertical = findVerticalSlice(workstation, arguments);
@@ -160,6 +147,8 @@ Expected<Labelling> labelStudy(Workstation& workstation, const std::string& stud
   if (const auto outcome = workstation.closePalette(); !outcome) return Failure{ExitNotAllowed, *outcome.problem};
   labelling.planes = planesFrom(workstation.pluginState());
   labelling.slices = axialSlices(workstation, vertical->frameOfReference);
+  const auto status = session.store().status(studyUid);
+  if (status.unsaved) return Failure{ExitNotAllowed, "The labelling could not be stored: " + status.problem};
   return labelling;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
-// The main job: a person's labelling of a study, done by the workstation's events, and what came of it.
+// The main job: a person's labelling of a study, done by the workstation's events, and what came of it; and the
+// labelling that a study holds already.
 
 #include <array>
 #include <optional>
@@ -8,6 +9,7 @@
 
 #include "cli/Arguments.h"
 #include "cli/ExitStatus.h"
+#include "cli/StudySession.h"
 #include "workstation/model/Workstation.h"
 
 namespace cli {
@@ -37,14 +39,20 @@ struct Labelling {
   std::size_t verticalStack = 0;
   int verticalSlice = 0;
   int verticalSlices = 0;
-  std::vector<pelmar::PixelPoint> curve;  ///< pixels of the vertical slice
-  std::vector<LabelledPlane> planes;      ///< head to foot
-  std::vector<LabelledSlice> slices;      ///< stacks in order of Series Number, slices in viewer order
+  std::optional<std::vector<pelmar::PixelPoint>> curve;  ///< pixels of the vertical slice; absent when it is not known
+  std::vector<LabelledPlane> planes;                     ///< head to foot
+  std::vector<LabelledSlice> slices;                     ///< stacks in order of Series Number, slices in viewer order
 };
 
 /// Opens the study, chooses the plug-in's menu entry, draws, lets go, closes the palette and reads the levels.
 /// A Failure says why the study or the drawing does not allow it; nothing has been drawn then.
-Expected<Labelling> labelStudy(workstation::Workstation& workstation, const std::string& studyUid,
-                               const LabelArguments& arguments);
+Expected<Labelling> labelStudy(StudySession& session, const std::string& studyUid, const LabelArguments& arguments);
+
+/// Prints a caution where axial slices lie in another frame of reference than the labelling.
+void warnOfOtherFrames(const Labelling& labelling);
+
+/// The labelling that the study holds, with the level of every axial slice. Only reads: nothing is stored or learnt.
+/// A Failure says that the study holds none.
+Expected<Labelling> storedLabelling(StudySession& session, const std::string& studyUid);
 
 }  // namespace cli

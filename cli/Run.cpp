@@ -16,7 +16,11 @@ int dispatch(const Arguments& arguments) {
   if (const auto* demo = std::get_if<DemoArguments>(&arguments)) return runDemo(*demo);
   if (const auto* phantom = std::get_if<PhantomArguments>(&arguments)) return runPhantom(*phantom);
   if (const auto* info = std::get_if<InfoArguments>(&arguments)) return runInfo(*info);
-  return runLabel(std::get<LabelArguments>(arguments));
+  if (const auto* import = std::get_if<ImportArguments>(&arguments)) return runImport(*import);
+  if (const auto* label = std::get_if<LabelArguments>(&arguments)) return runLabel(*label);
+  if (const auto* show = std::get_if<ShowArguments>(&arguments)) return runShow(*show);
+  if (const auto* history = std::get_if<HistoryArguments>(&arguments)) return runHistory(*history);
+  return runRestore(std::get<RestoreArguments>(arguments));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "cli/StudySession.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "cli/Console.h"
@@ -10,11 +11,12 @@
 namespace cli {
 
 namespace fs = std::filesystem;
+using workstation::StudyDatabase;
 
 namespace {
 
-void printBadFiles(const StudyFolder& folder) {
-  for (const auto& bad : folder.bad) {
+void printBadFiles(const std::vector<BadFile>& files) {
+  for (const auto& bad : files) {
     printMessage(bad.file + (bad.shown ? " is shown but cannot be labelled: " : " cannot be used: ") + bad.reason);
   }
 }
@@ -29,55 +31,101 @@ void printCopies(const std::vector<workstation::CopiedFile>& copies) {
                ", a copy of " + first.original.string() + ".");
 }
 
+/// Files that cannot be used, then images without usable geometry, one line a file.
+std::vector<BadFile> badFilesOf(const workstation::ReadResult& read) {
+  std::vector<BadFile> bad;
+  for (const auto& file : read.unreadable) bad.push_back({file.file.string(), file.reason, false});
+  for (const auto& image : read.images) {
+    if (image.geometryProblem.empty()) continue;
+    const auto file = image.file.string();
+    if (!bad.empty() && bad.back().shown && bad.back().file == file) continue;
+    bad.push_back({file, image.geometryProblem, true});
+  }
+  return bad;
+}
+
 /// What a folder without one image does hold.
-std::string contentsOf(const StudyFolder& folder) {
+std::string contentsOf(std::size_t bad, const LeftOut& left) {
   std::string list;
   const auto add = [&](std::size_t count, const std::string& one, const std::string& many) {
     if (count > 0) list += (list.empty() ? "" : ", ") + counted(count, one, many);
   };
-  add(folder.bad.size(), "file cannot be used", "files cannot be used");
-  add(folder.otherObjects, "DICOM object is no image", "DICOM objects are no images");
-  add(folder.notDicom, "file is not DICOM", "files are not DICOM");
+  add(bad, "file cannot be used", "files cannot be used");
+  add(left.otherObjects, "DICOM object is no image", "DICOM objects are no images");
+  add(left.notDicom, "file is not DICOM", "files are not DICOM");
   return list.empty() ? "it holds no file" : list;
+}
+
+/// Opens a database folder, or a folder in place, with a progress line.
+Expected<std::unique_ptr<StudyDatabase>> openWithProgress(const std::string& path, bool isDatabase) {
+  workstation::Result<std::unique_ptr<StudyDatabase>> opened;
+  {
+    ProgressLine progress("Reading the study");
+    workstation::OpenOptions options;
+    options.progress = [&](std::size_t done, std::size_t total) { return progress.show(done, total); };
+    opened = isDatabase ? StudyDatabase::openDatabase(path, options) : StudyDatabase::openFolder(path, options);
+  }
+  if (interrupted()) return Failure{ExitNotAllowed, "Interrupted while reading " + path + "; nothing was changed."};
+  if (!opened) return Failure{ExitUnreadable, opened.problem};
+  for (const auto& notice : (*opened)->notices()) printMessage(notice);
+  return std::move(*opened);
 }
 
 }  // namespace
 
-Expected<StudyFolder> readStudyFolder(const std::string& path) {
+Expected<std::unique_ptr<StudySource>> StudySource::open(const std::string& study, const std::string& database) {
+  std::unique_ptr<StudySource> source(new StudySource());
+  const bool isDatabase = !database.empty();
+  const auto& path = isDatabase ? database : study;
   std::error_code error;
   if (!fs::exists(path, error)) {
-    return Failure{ExitUnreadable, (path.empty() ? "A folder without a name" : path) +
-                                       " does not exist: give a folder of DICOM files."};
+    return Failure{ExitUnreadable, (path.empty() ? "A folder without a name" : path) + " does not exist: give a " +
+                                       (isDatabase ? "database folder." : "folder of DICOM files.")};
   }
-  workstation::ReadResult read;
-  {
-    ProgressLine progress("Reading the study");
-    workstation::ReadOptions options;
-    options.progress = [&](std::size_t done, std::size_t total) { return progress.show(done, total); };
-    read = workstation::readImages(path, options);
-  }
-  if (read.cancelled) return Failure{ExitNotAllowed, "Interrupted while reading " + path + "; nothing was changed."};
-  if (!read.warning.empty()) printMessage(read.warning);
-
-  StudyFolder folder;
-  for (const auto& file : read.unreadable) folder.bad.push_back({file.file.string(), file.reason, false});
-  for (const auto& image : read.images) {
-    if (image.geometryProblem.empty()) continue;
-    const auto file = image.file.string();
-    if (!folder.bad.empty() && folder.bad.back().shown && folder.bad.back().file == file) continue;  // one line a file
-    folder.bad.push_back({file, image.geometryProblem, true});
-  }
-  folder.images = std::move(read.images);
-  folder.otherObjects = read.otherObjects.size();
-  folder.notDicom = read.notDicom.size();
-  folder.copies = read.copies.size();
-  printBadFiles(folder);
-  printCopies(read.copies);
-  if (folder.images.empty()) {
-    return Failure{ExitUnreadable, path + " holds no DICOM image that can be shown: " + contentsOf(folder) + "."};
-  }
-  return folder;
+  auto opened = openWithProgress(path, isDatabase);
+  if (!opened) return opened.failure;
+  source->name_ = isDatabase ? study + " in " + database : study;
+  source->database_ = std::move(*opened);
+  if (const auto problem = isDatabase ? source->findStudy(study, database) : source->listFolder()) return *problem;
+  return source;
 }
+
+std::optional<Failure> StudySource::findStudy(const std::string& study, const std::string& database) {
+  if (database_->images(study).empty()) {
+    return Failure{ExitNotAllowed, "The database " + database + " holds no study " + study +
+                                       ": give the Study Instance UID of one that was imported."};
+  }
+  studies_ = {study};
+  return std::nullopt;
+}
+
+std::optional<Failure> StudySource::listFolder() {
+  const auto read = database_->contents();
+  if (!read.warning.empty()) printMessage(read.warning);
+  bad_ = badFilesOf(read);
+  leftOut_ = {read.otherObjects.size(), read.notDicom.size(), read.copies.size()};
+  printBadFiles(bad_);
+  printCopies(read.copies);
+  if (read.images.empty()) {
+    return Failure{ExitUnreadable,
+                   name_ + " holds no DICOM image that can be shown: " + contentsOf(bad_.size(), leftOut_) + "."};
+  }
+  std::vector<std::pair<std::string, std::string>> byDate;
+  for (const auto& image : read.images) byDate.emplace_back(image.studyDate, image.studyInstanceUid);
+  std::sort(byDate.begin(), byDate.end());
+  for (const auto& [date, uid] : byDate) {
+    if (std::find(studies_.begin(), studies_.end(), uid) == studies_.end()) studies_.push_back(uid);
+  }
+  return std::nullopt;
+}
+
+Expected<std::string> StudySource::onlyStudy() const {
+  if (studies_.size() == 1) return studies_.front();
+  return Failure{ExitNotAllowed, name_ + " holds " + std::to_string(studies_.size()) +
+                                     " studies: give a folder that holds one (vertana info lists them)."};
+}
+
+std::string StudySource::title() const { return "The study in " + name_; }
 
 fs::path pluginBundlePath() {
   if (const char* named = std::getenv("VERTANA_PLUGIN")) return named;
@@ -86,16 +134,27 @@ fs::path pluginBundlePath() {
   return program.parent_path().parent_path() / "lib" / "Vertana.plugin";
 }
 
-Expected<std::unique_ptr<StudySession>> StudySession::open(std::vector<workstation::ImageRecord> images) {
-  std::unique_ptr<StudySession> session(new StudySession());
+StudySession::StudySession(StudySource& source)
+    : source_(source), archive_(points_), store_(source.database(), points_) {}
+
+Expected<std::unique_ptr<StudySession>> StudySession::open(StudySource& source, const std::string& studyUid) {
+  std::unique_ptr<StudySession> session(new StudySession(source));
   workstation::Options options;
   options.defaultsStore = &session->defaults_;
+  options.reports = &session->store_;
+  options.keyedArchiving = &session->archive_;
   session->workstation_ = std::make_unique<workstation::Workstation>(options);
-  auto plugin = workstation::loadBundle(pluginBundlePath(), session->workstation_->api());
+  auto& workstation = *session->workstation_;
+  session->store_.setContextSource([&workstation](const std::string& uid) { return workstation.reportContext(uid); });
+  auto plugin = workstation::loadBundle(pluginBundlePath(), workstation.api());
   if (!plugin) return Failure{ExitUnreadable, plugin.problem};
-  session->workstation_->setPlugin(std::move(*plugin));
-  session->studies_ = session->workstation_->addImages(std::move(images));
+  workstation.setPlugin(std::move(*plugin));
+  workstation.addImages(source.database().images(studyUid));
   return session;
+}
+
+void StudySession::printNotices() {
+  for (const auto& notice : store_.takeNotices()) printMessage(notice);
 }
 
 }  // namespace cli

@@ -1,5 +1,5 @@
 #pragma once
-// A folder of DICOM files opened in a workstation that has the plug-in loaded.
+// Where studies lie, and a study opened in a workstation that has the plug-in loaded.
 
 #include <filesystem>
 #include <memory>
@@ -8,6 +8,10 @@
 
 #include "cli/ExitStatus.h"
 #include "cli/PersonDefaults.h"
+#include "workstation/archive/KeyedArchive.h"
+#include "workstation/database/LabellingStore.h"
+#include "workstation/database/StudyDatabase.h"
+#include "workstation/model/Points.h"
 #include "workstation/model/Workstation.h"
 
 namespace cli {
@@ -19,36 +23,68 @@ struct BadFile {
   bool shown = false;  ///< listed with the series all the same
 };
 
-struct StudyFolder {
-  std::vector<workstation::ImageRecord> images;
-  std::vector<BadFile> bad;
+/// Files of a folder that are no images of their own.
+struct LeftOut {
   std::size_t otherObjects = 0;  ///< DICOM objects that are no images
   std::size_t notDicom = 0;      ///< files that were skipped
   std::size_t copies = 0;        ///< files with an image that another file holds
 };
 
-/// Reads what the folder holds. A path that does not exist, or a folder without one image, is a Failure.
-/// Prints a message for each bad file.
-Expected<StudyFolder> readStudyFolder(const std::string& path);
+/// The studies in a folder of DICOM files, opened in place, or one study of a database.
+class StudySource {
+ public:
+  /// `study` is a folder, or, with a database folder, a Study Instance UID. A path that does not exist, a folder
+  /// without one image, or a study that the database does not hold is a Failure. Prints a message for each bad file.
+  static Expected<std::unique_ptr<StudySource>> open(const std::string& study, const std::string& database);
+
+  workstation::StudyDatabase& database() { return *database_; }
+  /// Study Instance UIDs, by date, then UID.
+  const std::vector<std::string>& studies() const { return studies_; }
+  /// The study when there is one only; a Failure names how many there are.
+  Expected<std::string> onlyStudy() const;
+  const std::vector<BadFile>& bad() const { return bad_; }
+  const LeftOut& leftOut() const { return leftOut_; }
+  /// How messages name a study: "The study in /tmp/spine".
+  std::string title() const;
+
+ private:
+  StudySource() = default;
+  std::optional<Failure> findStudy(const std::string& study, const std::string& database);
+  std::optional<Failure> listFolder();
+
+  std::string name_;  ///< as the person gave it
+  std::unique_ptr<workstation::StudyDatabase> database_;
+  std::vector<std::string> studies_;
+  std::vector<BadFile> bad_;
+  LeftOut leftOut_;
+};
 
 /// The plug-in's bundle: the one named by the environment's VERTANA_PLUGIN, else ../lib/Vertana.plugin beside the
 /// program.
 std::filesystem::path pluginBundlePath();
 
-/// A workstation with the plug-in and the person's defaults.
+/// A workstation with the plug-in, the person's defaults and one study. Letting it go is as a crash: what should be
+/// kept is kept by Workstation::quit().
 class StudySession {
  public:
-  /// Loads the plug-in and adds the images.
-  static Expected<std::unique_ptr<StudySession>> open(std::vector<workstation::ImageRecord> images);
+  /// Loads the plug-in and adds the study's images. The source must outlive the session.
+  static Expected<std::unique_ptr<StudySession>> open(StudySource& source, const std::string& studyUid);
 
+  StudySource& source() { return source_; }
+  workstation::LabellingStore& store() { return store_; }
   workstation::Workstation& workstation() { return *workstation_; }
-  const std::vector<std::string>& studies() const { return studies_; }
+  /// What the store has to tell the person.
+  void printNotices();
 
  private:
-  StudySession() = default;
+  explicit StudySession(StudySource& source);
+
+  StudySource& source_;
   PersonDefaults defaults_;
+  workstation::PatientPointClass points_;
+  workstation::KeyedArchive archive_;
+  workstation::LabellingStore store_;
   std::unique_ptr<workstation::Workstation> workstation_;
-  std::vector<std::string> studies_;
 };
 
 }  // namespace cli

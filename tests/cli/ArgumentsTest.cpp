@@ -82,6 +82,37 @@ TEST(Label, LeavesOpenWhatWasNotGiven) {
   EXPECT_FALSE(label.extraVertebra || label.json);
 }
 
+TEST(Studies, LieInAFolderOrInADatabase) {
+  for (const char* command : {"info", "show", "history"}) {
+    EXPECT_TRUE(parse({command, "folder"})) << command;
+    EXPECT_TRUE(parse({command, "1.2.3", "--database", "db"})) << command;
+    expectWords(refusal({command}), {"STUDY"});
+  }
+  const auto shown = parse({"show", "1.2.3", "--database", "db", "--csv"});
+  ASSERT_TRUE(shown);
+  EXPECT_EQ(std::get<ShowArguments>(*shown).study, "1.2.3");
+  EXPECT_EQ(std::get<ShowArguments>(*shown).database, "db");
+  EXPECT_TRUE(std::get<ShowArguments>(*shown).csv);
+  EXPECT_EQ(std::get<LabelArguments>(*parse({"label", "1.2", "--database", "db", "--line", "1,2,3,4"})).database, "db");
+  EXPECT_TRUE(std::get<HistoryArguments>(*parse({"history", "folder", "--json"})).json);
+}
+
+TEST(Restore, NeedsTheObject) {
+  const auto parsed = parse({"restore", "folder", "--object", "2.25.7"});
+  ASSERT_TRUE(parsed);
+  EXPECT_EQ(std::get<RestoreArguments>(*parsed).object, "2.25.7");
+  expectWords(refusal({"restore", "folder"}), {"--object"});
+}
+
+TEST(Import, NeedsPathsAndADatabase) {
+  const auto parsed = parse({"import", "a", "b", "--database", "db"});
+  ASSERT_TRUE(parsed);
+  EXPECT_EQ(std::get<ImportArguments>(*parsed).paths, (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(std::get<ImportArguments>(*parsed).database, "db");
+  expectWords(refusal({"import", "a"}), {"--database"});
+  expectWords(refusal({"import", "--database", "db"}), {"PATH"});
+}
+
 TEST(Usage, NumbersThatAreNoneOrDoNotFitAreNamed) {
   const std::vector<const char*> base{"label", "folder", "--line", "1,2,3,4"};
   for (const char* option : {"--series", "--slice"}) {
@@ -103,13 +134,14 @@ TEST(Usage, TheLargestSeedFits) {
 }
 
 TEST(Usage, WhatIsWrongIsNamed) {
-  expectWords(refusal({}), {"No command", "demo, phantom, info, label"});
+  expectWords(refusal({}), {"No command", "demo, phantom, import, info, label, show, history, restore"});
   expectWords(refusal({"--bogus"}), {"'--bogus'"});
   expectWords(refusal({"lable"}), {"'lable'", "label"});
   expectWords(refusal({"info", "--json=maybe", "folder"}), {"--json", "no value"});
   expectWords(refusal({"label", "folder", "--line", "1,2,3,4", "--line", "1,2,3,4"}), {"--line", "more than once"});
   expectWords(refusal({"label", "folder", "--line", "1,2,3,4", "--polygon", "1,2,3,4"}), {"--line", "--polygon"});
   expectWords(refusal({"label", "folder"}), {"--line", "--polygon"});
+  expectWords(refusal({"show", "folder", "--json", "--csv"}), {"--json", "--csv"});
   expectWords(refusal({"phantom", "--region", "Lumbar", "--out", "x"}), {"--region", "Lumbar"});
 }
 
@@ -128,7 +160,9 @@ TEST_P(Help, FitsAScreenOf80By24AndHasAnExample) {
   EXPECT_LE(count, 24);
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, Help, testing::Values("", "demo", "phantom", "info", "label"));
+INSTANTIATE_TEST_SUITE_P(Commands, Help,
+                         testing::Values("", "demo", "phantom", "import", "info", "label", "show", "history",
+                                         "restore"));
 
 }  // namespace
 }  // namespace cli::test

@@ -16,7 +16,7 @@ Labelling twoStacks() {
   labelling.verticalSeries = 6;
   labelling.verticalSlice = 5;
   labelling.verticalSlices = 11;
-  labelling.curve = {{1.5, 2}, {3, 4.25}};
+  labelling.curve = std::vector<pelmar::PixelPoint>{{1.5, 2}, {3, 4.25}};
   labelling.planes = {{"L1-L2", {1, -2.25, 30}, {0, 0, -1}}};
   labelling.slices = {{8, 0, 0, "1.8.1", 1, std::nullopt, true},
                       {8, 0, 1, "1.8.2", 1, "L1", true},
@@ -41,6 +41,28 @@ TEST(LabelReport, JsonHasTheKeysThatScriptsRelyOn) {
        "sameFrameOfReference": false}]})");
   EXPECT_EQ(nlohmann::json::parse(out.str()), expected);
   EXPECT_EQ(out.str().find('\n'), out.str().size() - 1) << "one line";
+}
+
+TEST(LabelReport, JsonTellsACurveThatIsNotKnownAsNull) {
+  auto labelling = twoStacks();
+  labelling.curve.reset();
+  std::ostringstream out;
+  printLabellingAsJson(out, labelling);
+  EXPECT_TRUE(nlohmann::json::parse(out.str()).at("curve").is_null());
+}
+
+TEST(LabelReport, CsvHasARowADiscAndARowASlice) {
+  auto labelling = twoStacks();
+  labelling.planes[0].name = "L1,\"L2\"";
+  std::ostringstream out;
+  printLabellingAsCsv(out, labelling);
+  EXPECT_EQ(out.str(),
+            "study,kind,name,x,y,z,nx,ny,nz,series,stack,slice,sop,frame,sameFrameOfReference\n"
+            "1.2.3,disc,\"L1,\"\"L2\"\"\",1,-2.25,30,0,0,-1,,,,,,\n"
+            "1.2.3,slice,,,,,,,,8,0,0,1.8.1,1,true\n"
+            "1.2.3,slice,L1,,,,,,,8,0,1,1.8.2,1,true\n"
+            "1.2.3,slice,L1,,,,,,,8,0,2,1.8.3,1,true\n"
+            "1.2.3,slice,L1-L2,,,,,,,,1,0,1.9,3,false\n");
 }
 
 TEST(LabelReport, JsonSurvivesIdentifiersThatAreNoUtf8) {

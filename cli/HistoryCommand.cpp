@@ -1,0 +1,103 @@
+// Every labelling that a study ever held, and making an earlier one count again.
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include "cli/Commands.h"
+#include "cli/Console.h"
+#include "cli/PlainText.h"
+#include "cli/StudySession.h"
+
+namespace cli {
+
+using nlohmann::ordered_json;
+using workstation::HistoryEntry;
+
+namespace {
+
+/// "2026-11-21 12:00:00" in the report's own time.
+std::string timeOf(const workstation::ContentTime& time) {
+  if (time.date.size() != 8 || time.time.size() < 6) return "(no time)";
+  return time.date.substr(0, 4) + "-" + time.date.substr(4, 2) + "-" + time.date.substr(6) + " " +
+         time.time.substr(0, 2) + ":" + time.time.substr(2, 2) + ":" + time.time.substr(4, 2);
+}
+
+std::string contentOf(const HistoryEntry& entry) {
+  const auto& report = entry.report;
+  if (!report.labelling) return "cannot be read: " + report.problem;
+  if (report.labelling->isEmpty()) return "no labelling (reset)";
+  std::string text = regionName(report.labelling->anatomicalRegion.value_or(-1));
+  if (report.labelling->additionalVertebra.value_or(false)) text += " with an extra vertebra";
+  if (report.labelling->levels && !report.labelling->levels->empty()) {
+    text += ", " + report.labelling->levels->front().name + " to " + report.labelling->levels->back().name;
+  }
+  if (report.fromContent) text += " (read from its standard content)";
+  return text;
+}
+
+ordered_json jsonOf(const HistoryEntry& entry) {
+  const auto& report = entry.report;
+  const auto& labelling = report.labelling;
+  ordered_json levels = nullptr;
+  if (labelling) levels = ordered_json::array();
+  if (labelling && labelling->levels) {
+    for (const auto& level : *labelling->levels) levels.push_back(level.name);
+  }
+  const bool hasRegion = labelling && labelling->anatomicalRegion;
+  const bool hasExtra = labelling && labelling->additionalVertebra;
+  return {{"object", report.sopInstanceUid},
+          {"date", report.contentTime.date},
+          {"time", report.contentTime.time},
+          {"instance", report.instanceNumber},
+          {"file", report.file.string()},
+          {"anatomicalRegion", hasRegion ? ordered_json(*labelling->anatomicalRegion) : ordered_json()},
+          {"additionalVertebra", hasExtra ? ordered_json(*labelling->additionalVertebra) : ordered_json()},
+          {"levels", levels},
+          {"counts", entry.counts},
+          {"fromContent", report.fromContent},
+          {"problem", labelling ? ordered_json() : ordered_json(report.problem)}};
+}
+
+}  // namespace
+
+int runHistory(const HistoryArguments& arguments) {
+  auto source = StudySource::open(arguments.study, arguments.database);
+  if (!source) return fail(source.failure);
+  const auto study = (*source)->onlyStudy();
+  if (!study) return fail(study.failure);
+  auto session = StudySession::open(**source, *study);
+  if (!session) return fail(session.failure);
+  const auto history = (*session)->store().history(*study);
+  if (arguments.json) {
+    auto list = ordered_json::array();
+    for (const auto& entry : history) list.push_back(jsonOf(entry));
+    const ordered_json json{{"study", *study}, {"labellings", list}};
+    std::cout << json.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+    return ExitDone;
+  }
+  std::cout << (history.empty() ? "This study never held a labelling.\n"
+                                : "The labellings of study " + printable(*study) + ", the oldest first:\n\n");
+  for (const auto& entry : history) {
+    std::cout << "  " << (entry.counts ? "* " : "  ") << timeOf(entry.report.contentTime) << "  "
+              << printable(contentOf(entry)) << "\n      " << printable(entry.report.sopInstanceUid) << '\n';
+  }
+  if (!history.empty()) {
+    std::cout << "\n* counts. To make another one count: vertana restore STUDY --object UID\n";
+  }
+  return ExitDone;
+}
+
+int runRestore(const RestoreArguments& arguments) {
+  auto source = StudySource::open(arguments.study, arguments.database);
+  if (!source) return fail(source.failure);
+  const auto study = (*source)->onlyStudy();
+  if (!study) return fail(study.failure);
+  auto session = StudySession::open(**source, *study);
+  if (!session) return fail(session.failure);
+  if (const auto outcome = (*session)->store().restore(*study, arguments.object); !outcome) {
+    return fail({ExitNotAllowed, *outcome.problem});
+  }
+  std::cout << "The labelling of " << printable(arguments.object) << " counts again, as a new object.\n";
+  return ExitDone;
+}
+
+}  // namespace cli

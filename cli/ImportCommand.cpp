@@ -1,0 +1,48 @@
+#include <iostream>
+
+#include "cli/Commands.h"
+#include "cli/Console.h"
+#include "cli/PlainText.h"
+#include "workstation/database/StudyDatabase.h"
+
+namespace cli {
+
+namespace {
+
+void printImport(const workstation::ImportResult& result, const std::string& database) {
+  std::cout << counted(result.imported, "file was", "files were") << " copied into " << database;
+  if (result.known > 0) std::cout << ", " << counted(result.known, "was", "were") << " there already";
+  if (result.notDicom > 0) {
+    std::cout << ", " << counted(result.notDicom, "is not DICOM", "are not DICOM") << " and stayed out";
+  }
+  std::cout << ".\n";
+  for (const auto& study : result.studies) std::cout << printable(study) << '\n';
+}
+
+}  // namespace
+
+int runImport(const ImportArguments& arguments) {
+  const auto database = workstation::StudyDatabase::openDatabase(arguments.database);
+  if (!database) return fail({ExitUnreadable, database.problem});
+  for (const auto& notice : (*database)->notices()) printMessage(notice);
+  workstation::ImportResult result;
+  {
+    ProgressLine progress("Importing");
+    result = (*database)->importFiles({arguments.paths.begin(), arguments.paths.end()},
+                                      [&](std::size_t done, std::size_t total) { return progress.show(done, total); });
+  }
+  for (const auto& file : result.unreadable) printMessage(file.file.string() + " cannot be imported: " + file.reason);
+  if (!result.problem.empty()) return fail({ExitNotAllowed, result.problem});
+  if (result.cancelled) {
+    return fail({ExitNotAllowed, "Interrupted: the database " + arguments.database + " is as it was before."});
+  }
+  if (result.studies.empty()) {
+    return fail({ExitUnreadable, "Nothing was imported into " + arguments.database + ": no DICOM object was found in " +
+                                     arguments.paths.front() +
+                                     (arguments.paths.size() > 1 ? " and the other paths." : ".")});
+  }
+  printImport(result, arguments.database);
+  return ExitDone;
+}
+
+}  // namespace cli

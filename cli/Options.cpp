@@ -1,0 +1,110 @@
+#include "cli/Options.h"
+
+namespace cli {
+
+const std::map<std::string, int> regionsByName{{"cervical", 0}, {"thoracic", 1}, {"lumbar", 2}};
+
+namespace {
+
+std::string checkRegion(const std::string& name) {
+  return regionsByName.contains(name) ? "" : "'" + name + "' is no region: give cervical, thoracic or lumbar";
+}
+
+/// The argument that names a study, and where it lies.
+void addStudy(CLI::App& command, std::string& study, std::string& database) {
+  command.add_option("STUDY", study, "Folder of DICOM files; with --database a Study Instance UID")
+      ->required()
+      ->type_name("");
+  command.add_option("--database", database, "Database folder that holds the study")->type_name("DIR");
+}
+
+void addDemo(CLI::App& app, RawArguments& raw) {
+  auto* demo = app.add_subcommand("demo", "Label a phantom study and tell what came out");
+  demo->add_option("--out", raw.demo.outDir, "New or empty folder (default: a temporary one)")->type_name("DIR");
+  demo->footer("Example:\n  vertana demo");
+}
+
+void addPhantom(CLI::App& app, RawArguments& raw) {
+  auto* phantom = app.add_subcommand("phantom", "Write a synthetic spine study with known truth");
+  phantom->add_option("--region", raw.phantomRegion, "cervical, thoracic or lumbar")
+      ->required()
+      ->type_name("REGION")
+      ->check(checkRegion);
+  phantom->add_option("--out", raw.phantom.outDir, "Folder to write to (new or empty)")->required()->type_name("DIR");
+  phantom->add_option("--seed", raw.seed, "Another number, another patient (default 1)")->type_name("N");
+  phantom->add_flag("--extra-vertebra", raw.phantom.extraVertebra, "One more vertebra: C8, T13 or L6");
+  phantom->add_flag("--angled-axials", raw.phantom.angledAxials, "Also axial blocks tilted to the discs");
+  phantom->add_flag("--ct", raw.phantom.ct, "A CT with 512 thin axial slices instead of an MR");
+  phantom->footer("Example:\n  vertana phantom --region lumbar --angled-axials --out /tmp/spine");
+}
+
+void addImport(CLI::App& app, RawArguments& raw) {
+  auto* import = app.add_subcommand("import", "Copy DICOM files into a database folder");
+  import->add_option("PATH", raw.import.paths, "Files, or folders at any depth")->required()->type_name("");
+  import->add_option("--database", raw.import.database, "Database folder (made when it is not there)")
+      ->required()
+      ->type_name("DIR");
+  import->footer("Example:\n  vertana import /tmp/spine --database /tmp/database");
+}
+
+void addInfo(CLI::App& app, RawArguments& raw) {
+  auto* info = app.add_subcommand("info", "List a study's series, region and stored labelling");
+  addStudy(*info, raw.info.study, raw.info.database);
+  info->add_flag("--json", raw.info.json, "Print JSON for programs");
+  info->footer("Example:\n  vertana info /tmp/spine");
+}
+
+void addLabel(CLI::App& app, RawArguments& raw) {
+  auto* label = app.add_subcommand("label", "Draw along the spine, name every axial slice, store it");
+  addStudy(*label, raw.label.study, raw.label.database);
+  label->add_option("--line", raw.line, "Length line, in pixels of the vertical slice")->type_name("X0,Y0,X1,Y1");
+  label->add_option("--polygon", raw.polygon, "Open polygon through the discs, in pixels")
+      ->type_name("X0,Y0,X1,Y1,...");
+  label->add_option("--series", raw.series, "Series Number of the series to draw on")->type_name("N");
+  label->add_option("--slice", raw.slice, "Slice to draw on, from 0 (default: the middle one)")->type_name("K");
+  label->add_option("--region", raw.labelRegion, "cervical, thoracic or lumbar (default: guessed)")
+      ->type_name("REGION")
+      ->check(checkRegion);
+  label->add_flag("--extra-vertebra", raw.label.extraVertebra, "The region has one more vertebra: C8, T13 or L6");
+  label->add_flag("--json", raw.label.json, "Print JSON for programs");
+  label->footer("Example:\n  vertana label /tmp/spine --line 197,46,204,274");
+}
+
+void addShow(CLI::App& app, RawArguments& raw) {
+  auto* show = app.add_subcommand("show", "Print the stored labelling and the level of every axial slice");
+  addStudy(*show, raw.show.study, raw.show.database);
+  auto* json = show->add_flag("--json", raw.show.json, "Print JSON for programs");
+  show->add_flag("--csv", raw.show.csv, "Print a table for programs: a row a disc and a row a slice")->excludes(json);
+  show->footer("Example:\n  vertana show /tmp/spine");
+}
+
+void addHistory(CLI::App& app, RawArguments& raw) {
+  auto* history = app.add_subcommand("history", "List every labelling that the study ever held");
+  addStudy(*history, raw.history.study, raw.history.database);
+  history->add_flag("--json", raw.history.json, "Print JSON for programs");
+  history->footer("Example:\n  vertana history /tmp/spine");
+}
+
+void addRestore(CLI::App& app, RawArguments& raw) {
+  auto* restore = app.add_subcommand("restore", "Make an earlier labelling count again, by adding it anew");
+  addStudy(*restore, raw.restore.study, raw.restore.database);
+  restore->add_option("--object", raw.restore.object, "SOP Instance UID of the labelling (vertana history lists them)")
+      ->required()
+      ->type_name("UID");
+  restore->footer("Example:\n  vertana restore /tmp/spine --object 2.25.1234");
+}
+
+}  // namespace
+
+void addCommands(CLI::App& app, RawArguments& raw) {
+  addDemo(app, raw);
+  addPhantom(app, raw);
+  addImport(app, raw);
+  addInfo(app, raw);
+  addLabel(app, raw);
+  addShow(app, raw);
+  addHistory(app, raw);
+  addRestore(app, raw);
+}
+
+}  // namespace cli

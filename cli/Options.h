@@ -1,0 +1,37 @@
+#pragma once
+// The commands and their options, as the parser, the help texts and whatever else lists them see them.
+
+#include <CLI/CLI.hpp>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "cli/Arguments.h"
+
+namespace cli {
+
+/// What the parser fills in before it is checked any further.
+struct RawArguments {
+  DemoArguments demo;
+  PhantomArguments phantom;
+  ImportArguments import;
+  InfoArguments info;
+  LabelArguments label;
+  ShowArguments show;
+  HistoryArguments history;
+  RestoreArguments restore;
+  std::string phantomRegion;
+  std::optional<std::string> seed;
+  std::optional<std::string> series;
+  std::optional<std::string> slice;
+  std::string labelRegion;
+  std::string line;
+  std::string polygon;
+};
+
+extern const std::map<std::string, int> regionsByName;
+
+/// Adds every command to the parser, which then fills `raw`.
+void addCommands(CLI::App& app, RawArguments& raw);
+
+}  // namespace cli

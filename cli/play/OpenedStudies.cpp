@@ -1,0 +1,128 @@
+#include "cli/play/OpenedStudies.h"
+
+#include <algorithm>
+
+#include "cli/Console.h"
+
+namespace cli {
+
+namespace fs = std::filesystem;
+using workstation::ImageRecord;
+using workstation::StudyDatabase;
+using Images = std::vector<ImageRecord>;
+
+namespace {
+
+void printUnreadable(const std::vector<workstation::UnreadableFile>& files) {
+  for (const auto& bad : files) printMessage(bad.file.string() + " cannot be used: " + bad.reason + ".");
+}
+
+Failure noImage(const std::string& path) {
+  return Failure{ExitUnreadable, path + " holds no DICOM image that can be shown."};
+}
+
+std::optional<Failure> missing(const std::string& path) {
+  std::error_code error;
+  if (fs::exists(path, error)) return std::nullopt;
+  return Failure{ExitUnreadable, (path.empty() ? "A path without a name" : path) + " does not exist."};
+}
+
+/// A name in the folder that no file has yet, as like the given one as can be.
+fs::path freeName(const fs::path& folder, const fs::path& name) {
+  auto candidate = folder / name;
+  std::error_code error;
+  for (int number = 2; fs::exists(candidate, error); ++number) {
+    candidate = folder / (name.stem().string() + "-" + std::to_string(number) + name.extension().string());
+  }
+  return candidate;
+}
+
+}  // namespace
+
+Expected<std::unique_ptr<OpenedStudies>> OpenedStudies::open(const std::string& database,
+                                                             const std::vector<std::string>& openedBefore) {
+  std::unique_ptr<OpenedStudies> studies(new OpenedStudies(database));
+  if (!database.empty()) {
+    if (auto failure = studies->add(StudyDatabase::openDatabase(database))) return *failure;
+  }
+  for (const auto& path : openedBefore) {
+    auto opened = StudyDatabase::openFolder(path);
+    if (!opened) continue;
+    studies->paths_.push_back(path);
+    if (auto failure = studies->add(std::move(opened))) return *failure;
+  }
+  return studies;
+}
+
+std::optional<Failure> OpenedStudies::add(workstation::Result<Database> opened) {
+  if (!opened) return Failure{ExitUnreadable, opened.problem};
+  for (const auto& notice : (*opened)->notices()) printMessage(notice);
+  shelves_.add(**opened);
+  databases_.push_back(std::move(*opened));
+  return std::nullopt;
+}
+
+Expected<Images> OpenedStudies::addPath(const std::string& path) {
+  if (auto failure = missing(path)) return *failure;
+  return databaseFolder_.empty() ? openInPlace(path) : import(path);
+}
+
+Expected<Images> OpenedStudies::import(const std::string& path) {
+  const auto result = databases_.front()->importFiles({path});
+  printUnreadable(result.unreadable);
+  if (!result.problem.empty()) return Failure{ExitNotAllowed, result.problem};
+  Images all;
+  for (const auto& study : result.studies) {
+    const auto images = databases_.front()->images(study);
+    all.insert(all.end(), images.begin(), images.end());
+  }
+  if (all.empty()) return noImage(path);
+  return all;
+}
+
+Expected<Images> OpenedStudies::openInPlace(const std::string& path) {
+  std::error_code error;
+  auto place = fs::canonical(path, error).string();
+  if (error) place = path;
+  const auto known = std::find(paths_.begin(), paths_.end(), place);
+  auto index = static_cast<std::size_t>(known - paths_.begin());
+  if (known == paths_.end()) {
+    if (auto failure = add(StudyDatabase::openFolder(place))) return *failure;
+    paths_.push_back(place);
+  } else {
+    databases_[index]->refresh();
+  }
+  auto contents = databases_[index]->contents();
+  if (known == paths_.end()) printUnreadable(contents.unreadable);
+  if (contents.images.empty()) return noImage(path);
+  return std::move(contents.images);
+}
+
+Images OpenedStudies::images(const std::string& studyUid) {
+  for (const auto& database : databases_) {
+    auto images = database->images(studyUid);
+    if (!images.empty()) return images;
+  }
+  return {};
+}
+
+std::optional<Failure> OpenedStudies::addReport(const std::string& path, const std::string& file) const {
+  if (auto failure = missing(file)) return failure;
+  if (!databaseFolder_.empty()) {
+    auto another = StudyDatabase::openDatabase(databaseFolder_);
+    if (!another) return Failure{ExitUnreadable, another.problem};
+    const auto result = (*another)->importFiles({file});
+    if (!result.problem.empty()) return Failure{ExitNotAllowed, result.problem};
+    if (result.imported > 0) return std::nullopt;
+    return Failure{ExitNotAllowed, file + " was not added: it is no DICOM object, or the database holds it already."};
+  }
+  if (auto failure = missing(path)) return failure;
+  std::error_code error;
+  const auto folder = fs::is_directory(path, error) ? fs::path(path) : fs::path(path).parent_path();
+  const auto target = freeName(folder, fs::path(file).filename());
+  fs::copy_file(file, target, error);
+  if (!error) return std::nullopt;
+  return Failure{ExitNotAllowed, file + " could not be copied to " + target.string() + ": " + error.message() + "."};
+}
+
+}  // namespace cli

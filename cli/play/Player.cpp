@@ -1,0 +1,98 @@
+#include "cli/play/Player.h"
+
+#include <ostream>
+
+#include "cli/Console.h"
+#include "cli/StudySession.h"
+#include "cli/play/Dump.h"
+#include "workstation/bundles/BundleLoader.h"
+
+namespace cli {
+
+using workstation::Outcome;
+
+Player::Process::Process(std::unique_ptr<OpenedStudies> opened, workstation::Options options)
+    : studies(std::move(opened)), archive(points), store(studies->shelf(), points), workstation([&] {
+        options.reports = &store;
+        options.keyedArchiving = &archive;
+        return std::move(options);
+      }()) {
+  store.setContextSource([this](const std::string& study) { return workstation.reportContext(study); });
+}
+
+Player::Player(const Script& script, std::string database, std::ostream& out)
+    : database_(std::move(database)), out_(out), defaults_(script.defaults) {
+  options_.hostVersion = script.hostVersion;
+  for (const auto& name : script.hostLacks) options_.lacking.insert(*workstation::capabilityNamed(name));
+  options_.defaultsStore = &defaults_;
+}
+
+Player::~Player() = default;
+
+Expected<std::unique_ptr<Player>> Player::start(const Script& script, const std::string& database, std::ostream& out) {
+  std::unique_ptr<Player> player(new Player(script, database, out));
+  if (auto failure = player->startProcess()) return *failure;
+  return player;
+}
+
+std::optional<Failure> Player::startProcess() {
+  auto studies = OpenedStudies::open(database_, pathsInPlace_);
+  if (!studies) return studies.failure;
+  process_ = std::make_unique<Process>(std::move(*studies), options_);
+  process_->store.setFailing(savesFail_);
+  auto plugin = workstation::loadBundle(pluginBundlePath(), workstation().api());
+  if (!plugin) return Failure{ExitUnreadable, plugin.problem};
+  workstation().setPlugin(std::move(*plugin));
+  return std::nullopt;
+}
+
+std::optional<Failure> Player::run(const Step& step) {
+  auto failure = std::visit([&](const auto& kind) { return runStep(kind); }, step);
+  if (process_) collect();
+  return failure;
+}
+
+void Player::collect() {
+  for (auto& alert : workstation().takeAlerts()) alerts_.push_back(std::move(alert));
+  for (auto& address : workstation().takeOpenedAddresses()) addresses_.push_back(std::move(address));
+  for (const auto& notice : process_->store.takeNotices()) printMessage(notice);
+}
+
+void Player::quit() {
+  workstation().quit();
+  collect();
+  pathsInPlace_ = process_->studies->paths();
+  process_.reset();
+}
+
+std::optional<Failure> Player::runStep(const RestartStep&) {
+  quit();
+  return startProcess();
+}
+
+std::optional<Failure> Player::runStep(const CrashStep&) {
+  collect();
+  pathsInPlace_ = process_->studies->paths();
+  process_.reset();
+  return startProcess();
+}
+
+std::optional<Failure> Player::runStep(const FailSavesStep& step) {
+  savesFail_ = step.on;
+  process_->store.setFailing(savesFail_);
+  return std::nullopt;
+}
+
+std::optional<Failure> Player::runStep(const AddReportStep& step) {
+  return process_->studies->addReport(step.path, step.file);
+}
+
+std::optional<Failure> Player::runStep(const DumpStep& step) {
+  DumpHeader header{step.name, std::move(alerts_), std::move(addresses_), studies_};
+  alerts_.clear();
+  addresses_.clear();
+  out_ << dumpLine(workstation(), process_->store, header) << '\n' << std::flush;
+  return std::nullopt;
+}
+
+}  // namespace cli
