@@ -1,6 +1,4 @@
 // Which region a study shows, from what it says of itself and what earlier runs have taught.
-#include <algorithm>
-
 #include "plugin/VertanaFilter.h"
 #include "spine/RegionTerms.h"
 
@@ -61,17 +59,8 @@ Value VertanaFilter::customTerms() const {
 
 void VertanaFilter::setCustomTerm(const std::optional<std::string>& term, long forAnatomicalRegion) {
   if (!term) return;
-  std::vector<RegionTerms> records;
-  for (const auto& stored : regionTermsFromValue(customTerms())) {
-    RegionTerms record{stored.region, {}};
-    for (const auto& known : stored.terms) {
-      const bool repeated = std::find(record.terms.begin(), record.terms.end(), known) != record.terms.end();
-      if (known != *term && !repeated) record.terms.push_back(known);
-    }
-    if (record.region == forAnatomicalRegion) record.terms.push_back(*term);
-    records.push_back(std::move(record));
-  }
-  api().standardUserDefaults().setObject(valueFromRegionTerms(records), customTermsKey);
+  api().standardUserDefaults().setObject(listWithTermUnderRegion(customTerms(), *term, forAnatomicalRegion),
+                                         customTermsKey);
 }
 
 void VertanaFilter::setStudyDescriptionAsCustomTermForCurrentRegion() {

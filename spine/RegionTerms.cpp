@@ -1,8 +1,29 @@
 #include "spine/RegionTerms.h"
 
+#include <algorithm>
+
 namespace vertana {
 
 using pelmar::Value;
+
+namespace {
+
+long regionOf(const Value::Dictionary& record) {
+  const auto region = record.find("anatomicalRegion");
+  return region == record.end() ? 0 : region->second.intValue();
+}
+
+/// Empty where the record has no list of terms.
+Value::Array termsOf(const Value::Dictionary& record) {
+  const auto terms = record.find("terms");
+  return terms == record.end() || !terms->second.array() ? Value::Array() : *terms->second.array();
+}
+
+Value recordOf(long region, Value::Array terms) {
+  return Value::Dictionary{{"anatomicalRegion", static_cast<std::int64_t>(region)}, {"terms", std::move(terms)}};
+}
+
+}  // namespace
 
 std::vector<RegionTerms> bodyPartTerms() {
   return {
@@ -21,26 +42,39 @@ std::vector<RegionTerms> regionTermsFromValue(const Value& stored) {
   for (const auto& entry : *stored.array()) {
     const auto* dictionary = entry.dictionary();
     if (!dictionary) continue;
-    RegionTerms record;
-    const auto region = dictionary->find("anatomicalRegion");
-    record.region = region == dictionary->end() ? 0 : region->second.intValue();
-    const auto terms = dictionary->find("terms");
-    if (terms != dictionary->end() && terms->second.array()) {
-      for (const auto& term : *terms->second.array()) {
-        if (term.string()) record.terms.push_back(*term.string());
-      }
+    RegionTerms record{regionOf(*dictionary), {}};
+    for (const auto& term : termsOf(*dictionary)) {
+      if (term.string()) record.terms.push_back(*term.string());
     }
     records.push_back(std::move(record));
   }
   return records;
 }
 
+Value listWithTermUnderRegion(const Value& stored, const std::string& term, long region) {
+  Value::Array list;
+  if (!stored.array()) return list;
+  for (const auto& entry : *stored.array()) {
+    const auto* record = entry.dictionary();
+    if (!record) {
+      list.push_back(entry);
+      continue;
+    }
+    Value::Array terms;
+    for (const auto& known : termsOf(*record)) {
+      const bool repeated = std::find(terms.begin(), terms.end(), known) != terms.end();
+      if (known != Value(term) && !repeated) terms.push_back(known);
+    }
+    if (regionOf(*record) == region) terms.emplace_back(term);
+    list.push_back(recordOf(regionOf(*record), std::move(terms)));
+  }
+  return list;
+}
+
 Value valueFromRegionTerms(const std::vector<RegionTerms>& records) {
   Value::Array list;
   for (const auto& record : records) {
-    Value::Array terms(record.terms.begin(), record.terms.end());
-    list.push_back(
-        Value::Dictionary{{"anatomicalRegion", static_cast<std::int64_t>(record.region)}, {"terms", std::move(terms)}});
+    list.push_back(recordOf(record.region, Value::Array(record.terms.begin(), record.terms.end())));
   }
   return list;
 }

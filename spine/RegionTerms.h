@@ -23,6 +23,10 @@ std::vector<RegionTerms> studyDescriptionTerms();
 /// The records of a stored list; entries of another shape are passed over.
 std::vector<RegionTerms> regionTermsFromValue(const pelmar::Value& stored);
 
+/// The stored list with the term filed under the region's records and under no other, each record's terms without
+/// duplicates. Records keep their number and order; terms that are no texts, and entries that are no records, stay.
+pelmar::Value listWithTermUnderRegion(const pelmar::Value& stored, const std::string& term, long region);
+
 pelmar::Value valueFromRegionTerms(const std::vector<RegionTerms>& records);
 
 }  // namespace vertana

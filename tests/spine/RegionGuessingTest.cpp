@@ -304,6 +304,21 @@ TEST_F(CustomTerms, usableEntriesOfAnOddListStillServe) {
   EXPECT_EQ(guessFor("whole"), 0) << "a record without a region is region 0";
 }
 
+TEST_F(CustomTerms, filingKeepsWhatIsNoTextAndNoRecordInItsPlace) {
+  store(Value::Array{"odd", Value::Dictionary{{"terms", Value::Array{3, "whole", 3}}},
+                     Value::Dictionary{{"anatomicalRegion", 1}, {"terms", "t"}}});
+  filter.setCustomTerm("whole", 1);
+  EXPECT_EQ(stored(),
+            Value(Value::Array{"odd", Value::Dictionary{{"anatomicalRegion", 0}, {"terms", Value::Array{3}}},
+                               Value::Dictionary{{"anatomicalRegion", 1}, {"terms", Value::Array{"whole"}}}}));
+}
+
+TEST_F(CustomTerms, filingIntoWhatIsNoListLeavesAnEmptyList) {
+  store("text");
+  filter.setCustomTerm("whole", 1);
+  EXPECT_EQ(stored(), Value(Value::Array{}));
+}
+
 TEST_F(CustomTerms, everyRunTeachesTheDescriptionWhetherOrNotPlanesAreStored) {
   study->description = "MRI WHOLE SPINE";
   filter.setAnatomicalRegion(1);
