@@ -13,7 +13,7 @@ int labelsSideForHorizontalAxis(const Vector3f& axis) {
   const float ay = std::fabs(axis.y);
   float az = std::fabs(axis.z);
   const auto counts = [](float component) { return static_cast<double>(component) > 0.2; };
-  while (true) {  // what was set aside does not count again, so this ends
+  for (int pass = 0; pass < 3; ++pass) {
     if (counts(ax) && ax >= ay && ax >= az) {
       ax = 0;
     } else if (counts(ay) && ay >= ax && ay >= az) {
@@ -21,9 +21,10 @@ int labelsSideForHorizontalAxis(const Vector3f& axis) {
     } else if (counts(az) && az >= ax && az >= ay) {
       az = 0;
     } else {
-      return 0;
+      break;
     }
   }
+  return 0;
 }
 
 double labelDistanceMm(long region) {
