@@ -8,7 +8,6 @@ namespace vertana {
 
 using pelmar::MyPoint;
 using pelmar::PixelPoint;
-using pelmar::Point3D;
 using pelmar::Ref;
 using pelmar::ROI;
 

@@ -6,7 +6,6 @@ namespace vertana {
 
 using pelmar::Notification;
 using pelmar::Ref;
-using pelmar::ROI;
 using pelmar::Value;
 
 VertanaFilter::VertanaFilter(pelmar::PelmarAPI& api) : PluginFilter(api) {}

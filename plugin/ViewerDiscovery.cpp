@@ -5,7 +5,6 @@ namespace vertana {
 
 using pelmar::DicomStudy;
 using pelmar::Ref;
-using pelmar::ROI;
 using pelmar::ViewerController;
 
 bool isSameStudy(const Ref<DicomStudy>& a, const Ref<DicomStudy>& b) {

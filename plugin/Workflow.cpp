@@ -4,7 +4,6 @@
 
 namespace vertana {
 
-using pelmar::DCMView;
 using pelmar::Ref;
 using pelmar::ViewerController;
 
