@@ -66,7 +66,7 @@ SpinePoint SpineFrame::locate(Vec3 patient) const {
   for (int step = 0; step < 2; ++step) {
     const double offset = dot(patient - stations_[i].point, stations_[i].tangent) / stationMm;
     const double position = std::clamp(static_cast<double>(i) + offset, 0.0, static_cast<double>(stations_.size() - 1));
-    i = static_cast<std::size_t>(position + 0.5);
+    i = static_cast<std::size_t>(std::floor(position + 0.5));
   }
   const Station& station = stations_[i];
   const Vec3 from = patient - station.point;

@@ -40,9 +40,11 @@ Tissue::Tissue(const SpineShape& shape, Contrast contrast, std::uint64_t seed)
   const double bottomZ = shape.point(shape.length()).z;
   std::vector<double> baseY;
   double along = 0;
-  for (double z = skinTopZ_; z > bottomZ; z -= 1.0) {
+  double z = skinTopZ_;
+  while (z > bottomZ) {
     while (along < shape.length() && shape.point(along).z > z) along += 0.5;
     baseY.push_back(shape.point(along).y);
+    z -= 1.0;
   }
   skinBaseY_ = smoothed(baseY, static_cast<std::ptrdiff_t>(skinSmoothingMm));
 }

@@ -26,7 +26,7 @@ class Tissue {
     Vec3 patient;
     SpinePoint at;
     const Section& section;
-    std::size_t level;
+    std::size_t level = 0;
   };
   using Signal = std::optional<float>;  ///< nothing: the structure is not at this place
 
@@ -37,7 +37,7 @@ class Tissue {
   Signal atlasAndAxis(const Place& place) const;
   Signal column(const Place& place) const;
   Signal vertebralBody(const Place& place, const SpineLevel& level, double radius, bool fused) const;
-  float discSignal(const Place& place, std::size_t level, double radius) const;
+  float discSignal(const Place& place, std::size_t index, double radius) const;
   Signal posteriorElements(const Place& place, std::size_t vertebra) const;
   Signal sacralWing(const Place& place) const;
   Signal foramen(const Place& place) const;
