@@ -1,5 +1,6 @@
 #include "phantom/Phantom.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -193,7 +194,7 @@ class StudyWriter {
 
   void takeBack() {
     std::error_code ignored;
-    for (auto path = made_.rbegin(); path != made_.rend(); ++path) fs::remove(*path, ignored);
+    std::for_each(made_.rbegin(), made_.rend(), [&](const fs::path& path) { fs::remove(path, ignored); });
   }
 
   const PhantomOptions& options_;
