@@ -270,6 +270,12 @@ TEST_F(MenuCommand, clampsThePaletteToTheLeftEdge) {
   EXPECT_EQ(palette()->frameRect.x, 100);
 }
 
+TEST_F(MenuCommand, leavesThePaletteBetweenTheLeftEdgeAndTheFirstPoint) {
+  sagittal->view->pan = {0.5, 50};
+  chooseLabels();
+  EXPECT_EQ(palette()->frameRect.x, 100 + 0.5);
+}
+
 TEST_F(MenuCommand, clampsThePaletteToTheTopOfTheViewInItsWindow) {
   sagittal->view->frameRect = {8, 10, 512, 400};
   sagittal->view->pan = {0, -40};
