@@ -132,6 +132,7 @@ Outcome FakeShelf::store(const std::string& studyUid, const std::filesystem::pat
   report->studyInstanceUid = studyUid;
   files.push_back({studyUid, file, *report, ""});
   if (std::filesystem::exists(folder)) std::ofstream(file) << "a report";
+  if (failsAfterWriting) return Outcome::refused("The folder cannot be synchronised.");
   return Outcome::done();
 }
 

@@ -31,6 +31,7 @@ class FakeShelf final : public ReportShelf {
   std::vector<StoredReport> coded;
   /// Where files get their paths. When it exists, what is stored leaves a file there, so that others see that it is.
   std::filesystem::path folder = "/shelf";
+  bool failsAfterWriting = false;  ///< store() refuses although the file is there then
   int paths = 0;
   int uids = 0;
   std::chrono::system_clock::time_point now = std::chrono::system_clock::from_time_t(1'600'000'000);

@@ -232,6 +232,26 @@ TEST_F(StoreOrder, ItIsNotNeededAnyMoreOnceAColleagueStoredTheSame) {
   EXPECT_FALSE(store->status(study).unsaved);
 }
 
+TEST_F(StoreOrder, WhatAFailedAttemptDidWriteIsNotWrittenAgain) {
+  shelf.failsAfterWriting = true;
+  plugin.save(lumbar(1));
+  EXPECT_TRUE(store->status(study).unsaved);
+  shelf.add("5", {"20300101", "100000"}, lumbar(5));
+  shelf.failsAfterWriting = false;
+  store->paletteEvent();
+  EXPECT_EQ(shelf.files.size(), 2u);
+  EXPECT_FALSE(store->status(study).unsaved);
+}
+
+TEST_F(StoreOrder, WhatWasReadFromDiskMeanwhileDoesNotHoldAChangeBack) {
+  const std::string path = plugin.save(lumbar(1));
+  store->setFailing(true);
+  plugin.save(lumbar(2));
+  EXPECT_TRUE(store->srAnnotationClass().initWithContentsOfFile(path));
+  plugin.save(lumbar(1));
+  EXPECT_EQ(plugin.load(), lumbar(1));
+}
+
 TEST_F(StoreOrder, AnEmptyStateThatCannotBeWrittenIsKeptAsWell) {
   plugin.save(lumbar(1));
   store->paletteOpened(study);

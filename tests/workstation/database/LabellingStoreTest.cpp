@@ -186,6 +186,16 @@ TEST_F(Store, AHeldEmptyStateIsDroppedWhenTheProgramEnds) {
   EXPECT_EQ(states(), States{lumbar(1)});
 }
 
+TEST_F(Store, QuittingForgetsThePaletteAndWhatIsHeld) {
+  plugin.save(empty);
+  store->paletteOpened(study);
+  store->quitting();
+  EXPECT_FALSE(held());
+  plugin.save(empty);
+  store->paletteClosed();
+  EXPECT_TRUE(shelf.files.empty());
+}
+
 TEST_F(Store, ACrashWithThePaletteOpenLeavesTheLabelling) {
   plugin.save(lumbar(1));
   store->paletteOpened(study);
@@ -242,6 +252,15 @@ TEST_F(Store, LookingDoesNotOverwriteWhatAColleagueStoredMeanwhile) {
   plugin.save(lumbar(1));
   EXPECT_EQ(states(), (States{lumbar(1), lumbar(2)}));
   EXPECT_EQ(plugin.load(), lumbar(2));
+}
+
+TEST_F(Store, NorDoesLookingAtAReportWithAPadByteInItsArchive) {
+  colleagueStores(lumbar(1));
+  shelf.files[0].report.archive.push_back(0);
+  store->srAnnotationClass().initWithContentsOfFile(shelf.files[0].path.string());
+  colleagueStores(lumbar(2));
+  plugin.save(lumbar(1));
+  EXPECT_EQ(shelf.files.size(), 2u);
 }
 
 TEST_F(Store, NorDoesStoringAgainWhatThisProcessStoredLast) {
