@@ -47,10 +47,7 @@ def main():
     with tempfile.TemporaryDirectory(prefix="vertana-e2e-") as temporary:
         plain = phantom(program, pathlib.Path(temporary) / "plain", "--region", "lumbar", "--ct", "--angled-axials")
         drawing = ["--polygon", oracle("polygon", plain).stdout.strip(), "--series", 1, "--json"]
-        run = Run(program, ["label", plain, *drawing])
-        checks.that(run.status == 0 and not run.messages, "a CT is labelled on its sagittal reformats", run)
-        agree(checks, plain, run.json(), "single slices")
-
+        # Before the plain study is labelled: what is stored goes into its folders.
         folder, sources = pathlib.Path(temporary) / "enhanced", {}
         for number, name in SERIES.items():
             slices = headers(plain / name)
@@ -60,6 +57,11 @@ def main():
             save(image, folder / name)
             for frame, source in enumerate(slices, 1):
                 sources[image.SOPInstanceUID, frame] = source.SOPInstanceUID
+
+        run = Run(program, ["label", plain, *drawing])
+        checks.that(run.status == 0 and not run.messages, "a CT is labelled on its sagittal reformats", run)
+        agree(checks, plain, run.json(), "single slices")
+
         run = Run(program, ["info", folder, "--json"])
         checks.that(listed(run) == [(1, 0, 15), (3, 2, 512), (4, 2, 25)], "enhanced CT images count a slice a frame", run)
         run = Run(program, ["label", folder, *drawing])

@@ -13,53 +13,18 @@ import sys
 import tempfile
 import time
 
-import pydicom
-from pydicom.dataset import Dataset
-from pydicom.sequence import Sequence
 from pydicom.uid import generate_uid
 
+from dicom_files import ENHANCED_MR, enhanced, headers, save
 from program import Checks, Run, phantom
 
 LINE = ["--line", "197,46,204,274"]
-
-
-def headers(folder):
-    return [pydicom.dcmread(path) for path in sorted(folder.iterdir())]
-
-
-def save(header, path):
-    path.parent.mkdir(parents=True, exist_ok=True)
-    header.save_as(path)
 
 
 def save_changed(source, target, change):
     for number, header in enumerate(headers(source)):
         change(header)
         save(header, target / f"{number}")
-
-
-def item(**values):
-    dataset = Dataset()
-    for keyword, value in values.items():
-        setattr(dataset, keyword, value)
-    return dataset
-
-
-def enhanced(slices):
-    """One enhanced MR image with a frame a slice; pixels, orientation and spacing as in the slices."""
-    image = pydicom.dcmread(slices[0].filename)
-    image.SOPClassUID = image.file_meta.MediaStorageSOPClassUID = "1.2.840.10008.5.1.4.1.1.4.1"
-    image.SOPInstanceUID = image.file_meta.MediaStorageSOPInstanceUID = generate_uid()
-    image.NumberOfFrames = len(slices)
-    image.PixelData = b"".join(header.PixelData for header in slices)
-    for keyword in ("ImagePositionPatient", "ImageOrientationPatient", "PixelSpacing"):
-        delattr(image, keyword)
-    image.SharedFunctionalGroupsSequence = Sequence([item(
-        PixelMeasuresSequence=Sequence([item(PixelSpacing=slices[0].PixelSpacing)]),
-        PlaneOrientationSequence=Sequence([item(ImageOrientationPatient=slices[0].ImageOrientationPatient)]))])
-    image.PerFrameFunctionalGroupsSequence = Sequence([item(
-        PlanePositionSequence=Sequence([item(ImagePositionPatient=header.ImagePositionPatient)])) for header in slices])
-    return image
 
 
 def names(run):
@@ -98,7 +63,7 @@ def check_other_frame(checks, program, plain, folder):
 
 
 def check_enhanced(checks, program, plain, expected, folder):
-    sagittal, axial = enhanced(headers(plain / "SE01")), enhanced(headers(plain / "SE03"))
+    sagittal, axial = (enhanced(headers(plain / series), ENHANCED_MR) for series in ("SE01", "SE03"))
     save(sagittal, folder / "sagittal")
     save(axial, folder / "axial")
     run = Run(program, ["info", folder, "--json"])
@@ -127,6 +92,19 @@ def check_localizer(checks, program, plain, expected, folder):
     checks.that(run.json()["vertical"] == {"series": 1, "stack": 0, "slice": 7},
                 "the first sagittal series is drawn on where none is in front", run)
     checks.that(names(run) == expected + expected[5:8], "and the localizer's axial slices are named like the others", run)
+
+
+def check_without_geometry(checks, program, plain, expected, folder):
+    shutil.copytree(plain / "SE01", folder / "SE01")
+    shutil.copytree(plain / "SE03", folder / "SE03")
+    save_changed(plain / "SE04", folder / "SE04", lambda header: delattr(header, "ImagePositionPatient"))
+    run = Run(program, ["info", folder, "--json"])
+    checks.that([(row["series"], row["orientation"], row["slices"]) for row in run.json()["series"]] ==
+                [(1, 0, 15), (3, 4, 52), (4, -1, 25)], "a series without positions has no orientation", run)
+    run = Run(program, ["label", folder, *LINE, "--json"])
+    checks.that(names(run) == expected, "and is never labelled", run)
+    run = Run(program, ["label", folder, *LINE, "--series", 4])
+    checks.that(run.status == 1 and run.out == "" and "--series 4" in run.messages[-1], "nor drawn on", run)
 
 
 def check_front(checks, program, plain, folder):
@@ -191,7 +169,8 @@ def main():
     with tempfile.TemporaryDirectory(prefix="vertana-e2e-") as temporary:
         top = pathlib.Path(temporary)
         plain = phantom(program, top / "plain", "--region", "lumbar", "--angled-axials")
-        run = Run(program, ["label", plain, *LINE, "--json"])
+        # What is stored goes into the study, so a copy is labelled.
+        run = Run(program, ["label", shutil.copytree(plain, top / "labelled"), *LINE, "--json"])
         expected = [entry["name"] for entry in run.json()["slices"] if entry["series"] == 3]
         checks.that(len(expected) == 52 and {"T12-L1", "L1-L2", "L2-L3", "L3-L4", "L4-L5", "L5-S1"} <= set(expected),
                     "the plain study has its levels", run)
@@ -199,6 +178,7 @@ def main():
         check_other_frame(checks, program, plain, top / "other-frame")
         check_enhanced(checks, program, plain, expected, top / "enhanced")
         check_localizer(checks, program, plain, expected, top / "localizer")
+        check_without_geometry(checks, program, plain, expected, top / "without-geometry")
         check_front(checks, program, plain, top / "front")
         check_odd_names(checks, program, plain, expected, top / "odd")
         check_output(checks, program, plain, top)
