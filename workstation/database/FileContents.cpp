@@ -51,7 +51,12 @@ DecodedLabelling decodeLabelling(const StoredReport& report) {
     return decoded;
   }
   PatientPointClass points;
-  const Result<pelmar::Value> root = readArchive(report.archive, points);
+  Result<pelmar::Value> root = readArchive(report.archive, points);
+  if (!root) {
+    // DICOM pads a value of odd length with a byte, which is no part of the archive.
+    auto unpadded = readArchive({report.archive.begin(), report.archive.end() - 1}, points);
+    if (unpadded) root = std::move(unpadded);
+  }
   if (!root) {
     decoded.problem = asPhrase(root.problem);
     return decoded;
