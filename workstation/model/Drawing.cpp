@@ -67,8 +67,8 @@ void Drawing::addVertex(const std::shared_ptr<Roi>& roi, PixelPoint at) {
 
 void Drawing::pressVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, PixelPoint at) {
   pointer_ = at;
-  const PixelPoint position = roi->pointAtIndex(static_cast<long>(vertex));
-  grabOffset_ = {position.x - at.x, position.y - at.y};
+  grabbedAt_ = roi->pointAtIndex(static_cast<long>(vertex));
+  grabOffset_ = {grabbedAt_.x - at.x, grabbedAt_.y - at.y};
   vertex_ = vertex;
   dragged_ = roi;
   pressed_ = roi;
@@ -101,12 +101,10 @@ void Drawing::release(PixelPoint at) {
   if (!pressed) return;
   if (living(dragged_)) {
     setVertex(pressed, vertex_, {at.x + grabOffset_.x, at.y + grabOffset_.y});
-    pressed->setROIMode(pelmar::ROIModeSelected);
-    dragged_.reset();
+    endDrag(pressed);
   } else if (drawn() == pressed && pressed->type() == pelmar::ROITypeLength) {
     setVertex(pressed, 1, at);
-    pressed->setROIMode(pelmar::ROIModeSelected);
-    drawn_.reset();
+    endDrawing(pressed);
   }
   postChanged(pressed, true);
 }
@@ -114,17 +112,33 @@ void Drawing::release(PixelPoint at) {
 void Drawing::finishPolygon() {
   const auto polygon = drawn();
   if (!polygon || polygon->type() != pelmar::ROITypeOpenPolygon) return;
-  polygon->setROIMode(pelmar::ROIModeSelected);
-  drawn_.reset();
+  endDrawing(polygon);
   pressed_.reset();
   postChanged(polygon, true);
 }
 
 void Drawing::stop() {
-  for (std::weak_ptr<Roi>* current : {&drawn_, &dragged_}) {
-    if (const auto roi = living(*current)) roi->setROIMode(pelmar::ROIModeSelected);
-    current->reset();
-  }
+  if (const auto roi = living(drawn_)) endDrawing(roi);
+  if (const auto roi = living(dragged_)) endDrag(roi);
+  drawn_.reset();
+  dragged_.reset();
+}
+
+void Drawing::endDrawing(const std::shared_ptr<Roi>& roi) {
+  roi->setROIMode(pelmar::ROIModeSelected);
+  drawn_.reset();
+  view_.host().undo().drawn(view_, roi);
+}
+
+void Drawing::endDrag(const std::shared_ptr<Roi>& roi) {
+  roi->setROIMode(pelmar::ROIModeSelected);
+  dragged_.reset();
+  view_.host().undo().vertexMoved(view_, roi, vertex_, grabbedAt_, roi->pointAtIndex(static_cast<long>(vertex_)));
+}
+
+void Drawing::changeVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, PixelPoint to) {
+  setVertex(roi, vertex, to);
+  postChanged(roi, true);
 }
 
 void Drawing::endForTool() {

@@ -34,6 +34,10 @@ class Drawing {
   void stop();
   /// Ends drawing and dragging because a tool was chosen; deletes what has fewer than two distinct points.
   void endForTool();
+  /// Puts a vertex of an annotation elsewhere and posts the change with "mouseUp", as at the end of a drag.
+  void changeVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, pelmar::PixelPoint to);
+  /// Posts that an annotation was added.
+  void postAdded(const std::shared_ptr<Roi>& roi);
   /// Forgets everything; the view shows something else or goes.
   void forget();
 
@@ -52,7 +56,8 @@ class Drawing {
   std::shared_ptr<Roi> begin(pelmar::PixelPoint at, long type);
   void addVertex(const std::shared_ptr<Roi>& roi, pelmar::PixelPoint at);
   void setVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, pelmar::PixelPoint at);
-  void postAdded(const std::shared_ptr<Roi>& roi);
+  void endDrag(const std::shared_ptr<Roi>& roi);
+  void endDrawing(const std::shared_ptr<Roi>& roi);
   void postChanged(const std::shared_ptr<Roi>& roi, bool mouseUp);
 
   View& view_;
@@ -60,6 +65,7 @@ class Drawing {
   std::weak_ptr<Roi> dragged_;     ///< in mode 3
   std::weak_ptr<Roi> pressed_;     ///< what the button was pressed for; its release is told even if drawing has ended
   std::size_t vertex_ = 0;         ///< of the dragged one
+  pelmar::PixelPoint grabbedAt_;   ///< where the dragged vertex was
   pelmar::PixelPoint grabOffset_;  ///< from the pointer to the dragged vertex
   pelmar::PixelPoint pointer_;
 };

@@ -90,6 +90,7 @@ void Host::show(Viewer& viewer, const StackId& stack) {
 
 void Host::putAway(Viewer& viewer) {
   viewer.unload();
+  undo_.forget(viewer.view());
   stash_.keep(viewer.stackId(), viewer.view().lists());
 }
 

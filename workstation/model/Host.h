@@ -11,6 +11,7 @@
 #include "workstation/model/Services.h"
 #include "workstation/model/Studies.h"
 #include "workstation/model/Text.h"
+#include "workstation/model/Undo.h"
 #include "workstation/model/Viewer.h"
 #include "workstation/model/Windows.h"
 #include "workstation/model/Workstation.h"
@@ -70,6 +71,7 @@ class Host final : public pelmar::PelmarAPI {
   Desktop& desktop() { return desktop_; }
   const Defaults& defaults() const { return defaults_; }
   Notifications& notifications() { return notifications_; }
+  Undo& undo() { return undo_; }
 
   // --- the contract ------------------------------------------------------------------------------------------------
   bool supports(pelmar::Capability capability) const override { return !options_.lacking.contains(capability); }
@@ -110,6 +112,7 @@ class Host final : public pelmar::PelmarAPI {
   Text text_;
   PaletteWindows palettes_;
   AnnotationStash stash_;
+  Undo undo_;
   std::map<std::string, std::shared_ptr<StudyObject>> studies_;
   std::vector<std::shared_ptr<Viewer>> viewers_;
   std::vector<std::shared_ptr<Viewer>> stacking_;  ///< the same viewers, the front one last

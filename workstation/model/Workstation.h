@@ -226,6 +226,15 @@ class Workstation {
   Outcome dragVertex(int viewer, int annotation, int vertex, pelmar::PixelPoint to, int moves = 4);
   /// Deletes an annotation of the viewer as a person does; its removal is posted.
   Outcome deleteAnnotation(int viewer, int annotation);
+  /// Takes the person's last edit back, in whichever viewer it was: the move of a vertex, or the drawing or deletion of
+  /// an annotation of their own. The plug-in hears of it as of an edit. Edits that have lost their meaning, because the
+  /// plug-in took the annotation or its vertices elsewhere, are passed over; those of a viewer go when it closes or
+  /// shows another series.
+  Outcome undo();
+  /// Does again what was taken back last; a fresh edit ends that.
+  Outcome redo();
+  bool canUndo() const;
+  bool canRedo() const;
 
   /// The annotations of a viewer, each once, in the order of slices and their lists.
   std::vector<AnnotationInfo> annotations(int viewer) const;

@@ -194,15 +194,30 @@ Outcome Workstation::dragVertex(int viewer, int annotation, int vertex, PixelPoi
 }
 
 Outcome Workstation::deleteAnnotation(int viewer, int annotation) {
-  return interior_->withViewer(viewer, [&](Viewer&) -> Outcome {
+  return interior_->withViewer(viewer, [&](Viewer& shown) -> Outcome {
     for (const AnnotationInfo& info : annotations(viewer)) {
       if (info.id != annotation) continue;
+      interior_->host.undo().deleting(shown.view(), std::static_pointer_cast<Roi>(info.roi.shared()));
       interior_->host.roiClass().deleteROI(info.roi);
       return Outcome::done();
     }
     return noAnnotation(viewer, annotation);
   });
 }
+
+Outcome Workstation::undo() {
+  return interior_->run(
+      [&] { return interior_->host.undo().undo() ? Outcome::done() : Outcome::refused("There is nothing to undo."); });
+}
+
+Outcome Workstation::redo() {
+  return interior_->run(
+      [&] { return interior_->host.undo().redo() ? Outcome::done() : Outcome::refused("There is nothing to redo."); });
+}
+
+bool Workstation::canUndo() const { return interior_->host.undo().canUndo(); }
+
+bool Workstation::canRedo() const { return interior_->host.undo().canRedo(); }
 
 std::vector<AnnotationInfo> Workstation::annotations(int viewer) const {
   std::vector<AnnotationInfo> infos;
