@@ -58,9 +58,7 @@ class FakePlugin final : public pelmar::PluginFilter, public pelmar::WindowOwner
   }
 
   /// Whatever a person does reaches the plug-in within an event.
-  void expectEvent() const {
-    EXPECT_TRUE(!events || events->busy());
-  }
+  void expectEvent() const { EXPECT_TRUE(!events || events->busy()); }
 
   Lines& lines;
   EventLoop* events = nullptr;
