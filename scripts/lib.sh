@@ -11,9 +11,10 @@ sourceFolders=(host plugin spine geometry display state workstation phantom cli 
 # independent judges: without them the build goes on and the tests that need them say that they skip.
 packagesToBuild=(build-essential cmake ninja-build pkg-config libdcmtk-dev libopenjp2-7-dev nlohmann-json3-dev libcli11-dev
                  libsqlitecpp-dev libutf8proc-dev)
-packagesToBuildOptional=(ccache)
+packagesToBuildOptional=(ccache qt6-base-dev fonts-dejavu-core)
 packagesToTest=("${packagesToBuild[@]}" libgtest-dev libgmock-dev libbenchmark-dev)
-packagesToTestOptional=(ccache dcmtk dicom3tools python3-pydicom)
+packagesToTestOptional=("${packagesToBuildOptional[@]}" dcmtk dicom3tools libgdcm-tools python3-pydicom gobjc
+                        libgnustep-base-dev gnustep-make libplist-utils)
 packagesToTestPlugin=(build-essential cmake ninja-build libgtest-dev libgmock-dev)
 packagesToLint=("${packagesToTest[@]}" clang-14 clang-tidy-14)
 
@@ -118,6 +119,21 @@ testFolder() {
   local folder=$1
   shift
   ctest --test-dir "$folder" -j "$jobs" --output-on-failure --no-tests=error "$@" </dev/null
+}
+
+# checkPluginReadsOnlyItsOwn BUILD_FOLDER: complains of headers of the workstation or of its libraries, which may well be
+# installed on this machine, that a build of the plug-in alone has read.
+checkPluginReadsOnlyItsOwn() {
+  local foreign
+  foreign=$(ninja -C "$1" -t deps |
+            grep -iE '/(dcmtk|openjpeg[^/]*|nlohmann|CLI|sqlite[^/]*|SQLiteCpp|qt[0-9]*|utf8proc)[/.]|/workstation/' |
+            sort -u || true)
+  if [ -n "$foreign" ]; then
+    complain "$foreign"
+    complain "  ^ The plug-in and its tests must build without these."
+    return 1
+  fi
+  say "The plug-in and its tests read no header of the workstation or of its libraries."
 }
 
 # step HEADING COMMAND...: runs a program (not a function: it must end at its own first failure) between a heading and
