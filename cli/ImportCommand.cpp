@@ -36,7 +36,7 @@ int runImport(const ImportArguments& arguments) {
   if (result.cancelled) {
     return fail({ExitNotAllowed, "Interrupted: the database " + arguments.database + " is as it was before."});
   }
-  if (result.studies.empty()) {
+  if (result.imported + result.known == 0) {
     return fail({ExitUnreadable, "Nothing was imported into " + arguments.database + ": no DICOM object was found in " +
                                      arguments.paths.front() +
                                      (arguments.paths.size() > 1 ? " and the other paths." : ".")});

@@ -1,0 +1,173 @@
+#!/usr/bin/python3
+"""A labelling lives in its study: stored by label, read by show in another process, kept by history and restore.
+
+usage: stored_labelling.py VERTANA REGION [OPTION OF vertana phantom...]
+"""
+import csv
+import hashlib
+import io
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+import pydicom
+
+from program import Checks, Run, phantom
+
+ORACLE = pathlib.Path(__file__).parent / "oracle" / "naming.py"
+DESCRIPTION = "Pelmar Vertana Plugin Intervertebral Planes SR"
+REGIONS = ["cervical", "thoracic", "lumbar"]
+
+
+def oracle(*arguments):
+    return subprocess.run(["/usr/bin/python3", str(ORACLE), *map(str, arguments)], capture_output=True, text=True,
+                          check=True).stdout.strip()
+
+
+def contents(folder):
+    return {str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).hexdigest()
+            for path in sorted(folder.rglob("*")) if path.is_file()}
+
+
+def reports(folder):
+    found = []
+    for path in sorted(folder.rglob("*.dcm")):
+        data = pydicom.dcmread(path, stop_before_pixels=True)
+        if data.Modality == "SR":
+            found.append(data)
+    return sorted(found, key=lambda data: (data.ContentDate, data.ContentTime))
+
+
+def names(result):
+    return [(one["sop"], one["frame"], one["name"]) for one in result["slices"]]
+
+
+def check_reading(checks, program, folder, labelled):
+    """show tells what label told, but for the curve, and changes nothing."""
+    before = contents(folder)
+    run = Run(program, ["show", folder, "--json"])
+    checks.that(run.status == 0 and not run.messages, "show ends well", run)
+    shown = run.json()
+    checks.that(shown["curve"] is None, "no curve is stored", run)
+    for key in ("study", "anatomicalRegion", "additionalVertebra", "vertical", "slices"):
+        checks.that(shown[key] == labelled[key], f"show and label agree in {key}", run)
+    checks.that([one["name"] for one in shown["intervertebralPlanes"]] ==
+                [one["name"] for one in labelled["intervertebralPlanes"]], "the same discs", run)
+    for mine, other in zip(shown["intervertebralPlanes"], labelled["intervertebralPlanes"]):
+        checks.that(mine["point"] == other["point"] and mine["vector"] == other["vector"],
+                    f"{mine['name']} has the same plane to the last bit", run)
+
+    table = list(csv.DictReader(io.StringIO(Run(program, ["show", folder, "--csv"]).out)))
+    checks.that([row["name"] for row in table if row["kind"] == "disc"] ==
+                [one["name"] for one in labelled["intervertebralPlanes"]], "a row a disc")
+    checks.that([(row["sop"], int(row["frame"]), row["name"] or None) for row in table if row["kind"] == "slice"] ==
+                names(labelled), "a row a slice")
+    text = Run(program, ["show", folder]).out
+    checks.that(text.startswith(f"Stored: the {REGIONS[labelled['anatomicalRegion']]} spine"), "show is for people too")
+    info = Run(program, ["info", folder, "--json"]).json()["stored"]
+    checks.that(info["anatomicalRegion"] == labelled["anatomicalRegion"] and
+                info["levels"] == len(labelled["intervertebralPlanes"]), "info tells what is stored")
+    checks.that(contents(folder) == before, "reading leaves every file as it was and adds none")
+
+
+def check_report(checks, report, labelled):
+    """What any reader of structured reports finds."""
+    checks.that(report.SeriesDescription == DESCRIPTION and report.SeriesNumber == 20170720, "the report's series")
+    checks.that(report.SOPClassUID == "1.2.840.10008.5.1.4.1.1.88.34", "Comprehensive 3D SR")
+    block = report.private_block(0x7321, "VERTANA")
+    checks.that(bytes(block[0x03].value).startswith(b"bplist00"), "the archive lies in the private block")
+    levels = {}
+
+    def walk(item):
+        parts = {}
+        for child in item.get("ContentSequence", []):
+            concept = child.get("ConceptNameCodeSequence")
+            parts.setdefault(concept[0].CodeValue if concept else child.ValueType, []).append(child)
+            walk(child)
+        if "112039" in parts and "111030" in parts:  # Tracking Identifier, Image Region
+            levels[parts["112039"][0].TextValue] = list(parts["111030"][0].GraphicData)
+
+    walk(report)
+    checks.that(sorted(levels) == sorted(one["name"] for one in labelled["intervertebralPlanes"]),
+                f"every level has its measurement group: {sorted(levels)}")
+    for plane in labelled["intervertebralPlanes"]:
+        near = all(abs(a - b) < 1e-4 for a, b in zip(levels.get(plane["name"], [1e9] * 3), plane["point"]))
+        checks.that(near, f"{plane['name']} lies where it was drawn")
+
+
+def check_history(checks, program, folder, polygon, series, first):
+    """A second labelling follows the first; the first is made to count again; nothing is ever taken away."""
+    before = contents(folder)
+    run = Run(program, ["label", folder, "--polygon", polygon, "--series", series, "--json"])
+    checks.that(run.status == 0, "labelling the same again ends well", run)
+    checks.that(len(reports(folder)) == 1, "a labelling that says the same is not stored again")
+
+    head, foot = polygon.split(",")[:2], polygon.split(",")[-2:]
+    line = ",".join(head + foot)
+    run = Run(program, ["label", folder, "--line", line, "--series", series, "--json"])
+    checks.that(run.status == 0, "another labelling is taken", run)
+    second = run.json()
+    stored = reports(folder)
+    checks.that(len(stored) == 2 and stored[0].SeriesInstanceUID == stored[1].SeriesInstanceUID,
+                "it joins the first one's series")
+    checks.that([report.InstanceNumber for report in stored] == [1, 2], "instance numbers count up")
+    checks.that(names(Run(program, ["show", folder, "--json"]).json()) == names(second), "the newest counts")
+
+    run = Run(program, ["history", folder, "--json"])
+    entries = run.json()["labellings"]
+    checks.that([entry["counts"] for entry in entries] == [False, True], "history tells which counts", run)
+    checks.that([entry["object"] for entry in entries] == [report.SOPInstanceUID for report in stored],
+                "history lists every object", run)
+
+    run = Run(program, ["restore", folder, "--object", entries[0]["object"]])
+    checks.that(run.status == 0, "restore ends well", run)
+    checks.that(len(reports(folder)) == 3, "restore adds a new object")
+    checks.that(names(Run(program, ["show", folder, "--json"]).json()) == names(first), "the first one counts again")
+    run = Run(program, ["restore", folder, "--object", "1.2.3"])
+    checks.that(run.status == 1 and "1.2.3" in run.messages[0], "an unknown object is refused by name", run)
+    after = contents(folder)
+    checks.that(all(after.get(name) == value for name, value in before.items() if "index" not in name),
+                "no file was changed or taken away")
+
+
+def check_database(checks, program, folder, labelled):
+    database = folder.parent / "database"
+    run = Run(program, ["import", folder, "--database", database])
+    checks.that(run.status == 0 and labelled["study"] in run.out, "import ends well", run)
+    run = Run(program, ["show", labelled["study"], "--database", database, "--json"])
+    checks.that(run.status == 0 and names(run.json()) == names(labelled), "an imported study keeps its labelling", run)
+    before = contents(database / "studies")
+    run = Run(program, ["import", folder, "--database", database])
+    checks.that(run.status == 0 and contents(database / "studies") == before, "importing again adds nothing", run)
+    run = Run(program, ["show", "1.2.3", "--database", database])
+    checks.that(run.status == 1 and "1.2.3" in run.messages[-1], "a study that is not there is refused by name", run)
+
+
+def main():
+    program, region, *options = sys.argv[1:]
+    checks = Checks()
+    with tempfile.TemporaryDirectory(prefix="vertana-e2e-") as temporary:
+        folder = phantom(program, pathlib.Path(temporary) / "study", "--region", region, *options)
+        run = Run(program, ["show", folder])
+        checks.that(run.status == 1 and "no labelling" in run.messages[-1], "a study without one says so", run)
+        run = Run(program, ["history", folder])
+        checks.that(run.status == 0 and "never" in run.out, "and its history is empty", run)
+        checks.that(not (folder / ".vertana").exists(), "looking leaves nothing behind")
+
+        polygon, series = oracle("polygon", folder), oracle("series", folder)
+        extra = ["--extra-vertebra"] if "--extra-vertebra" in options else []
+        run = Run(program, ["label", folder, "--polygon", polygon, "--series", series, "--json", *extra])
+        checks.that(run.status == 0 and not run.messages, "label ends well", run)
+        labelled = run.json()
+        stored = reports(folder)
+        checks.that(len(stored) == 1, "one report is in the study")
+        check_report(checks, stored[0], labelled)
+        check_reading(checks, program, folder, labelled)
+        if not extra:
+            check_history(checks, program, folder, polygon, series, labelled)
+        check_database(checks, program, folder, labelled)
+    checks.finish()
+
+
+main()
