@@ -1,6 +1,7 @@
 #include "workstation/database/StudyDatabase.h"
 
 #include <SQLiteCpp/Exception.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <map>
@@ -145,6 +146,8 @@ bool StudyDatabase::update(const FolderListing& listing, const Progress& progres
   for (FileStamp& file : difference.fresh) {
     if (progress && !progress(files.size(), total)) return false;
     FileContents contents = readFileContents(scan_.pathOf(file));
+    // Permissions can change without a trace in size and time: such a file is tried again next time.
+    if (contents.kind == FileKind::unreadable && ::access(scan_.pathOf(file).c_str(), R_OK) != 0) file.mtimeNs = 0;
     files.push_back({std::move(file), std::move(contents)});
   }
   if (total > 0 && progress && !progress(total, total)) return false;

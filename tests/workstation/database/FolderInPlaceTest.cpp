@@ -179,6 +179,25 @@ TEST_F(FolderInPlaceTest, FolderThatMayNotBeWrittenCanBeReadAndSaysWhyNothingIsS
   fs::permissions(sag, fs::perms(0755));
 }
 
+TEST_F(FolderInPlaceTest, FileThatMayBeReadAgainIsReadAgain) {
+  if (::geteuid() == 0) {  // root may read anything
+    for (const fs::path& each : {path(), path() / "sag"}) ASSERT_EQ(::chown(each.c_str(), 65534, 65534), 0);
+  }
+  fs::permissions(path() / "sag/2.dcm", fs::perms(0));
+  EXPECT_TRUE(inChild([&] {
+    if (::geteuid() == 0 && ::setuid(65534) != 0) return false;
+    const auto database = openInPlace(path());
+    store(*database, lumbarAt(1), 1);
+    return database->contents().unreadable.size() == 1 && fs::exists(indexFile());
+  }));
+  fs::permissions(path() / "sag/2.dcm", fs::perms(0644));  // size and time of the file stay as they were
+  std::size_t reads = 0;
+  const auto database = openInPlace(path(), countingReads(reads));
+  EXPECT_EQ(reads, 1U);
+  EXPECT_EQ(database->images(studyUid()).size(), 3U);
+  EXPECT_TRUE(database->contents().unreadable.empty());
+}
+
 TEST_F(FolderInPlaceTest, ImportIsRefused) {
   const auto before = photographOf(path());
   const ImportResult result = openInPlace(path())->importFiles({path() / "sag/1.dcm"});
