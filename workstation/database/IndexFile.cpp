@@ -71,7 +71,6 @@ OpenedIndex takeOver(std::unique_ptr<SQLite::Database> database) {
   const std::string found = database->execAndGet("PRAGMA quick_check(1)").getString();
   if (found != "ok") return refused(IndexCondition::damaged, found);
   OpenedIndex opened{std::make_unique<Index>(std::move(database)), IndexCondition::usable, ""};
-  opened.index->series();
   opened.index->objects("");
   opened.index->images("", "");
   opened.index->isImported({});

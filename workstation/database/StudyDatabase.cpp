@@ -4,8 +4,8 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <map>
 #include <system_error>
+#include <unordered_map>
 #include <utility>
 
 #include "workstation/database/Index.h"
@@ -31,7 +31,8 @@ struct Difference {
 };
 
 Difference differenceOf(const std::vector<IndexedFile>& known, const FolderListing& listing) {
-  std::map<std::string, const IndexedFile*, std::less<>> waiting;
+  std::unordered_map<std::string, const IndexedFile*> waiting;
+  waiting.reserve(known.size());
   for (const IndexedFile& file : known) waiting.emplace(stateOf(file.stamp), &file);
   Difference difference;
   for (const FileStamp& file : listing.files) {
