@@ -3,6 +3,8 @@
 #include <QFont>
 #include <QFontMetricsF>
 #include <QPainterPath>
+#include <QPolygonF>
+#include <QTransform>
 #include <algorithm>
 #include <cmath>
 
@@ -14,6 +16,7 @@ constexpr double modelSize = 100;
 constexpr double smallestSize = 4;
 constexpr double largestSize = 200;
 constexpr qsizetype mostCharacters = 300;
+constexpr double widest = 2000;  ///< points
 
 double sizeOf(const TextStyle& style) {
   return std::isfinite(style.size) ? std::clamp(style.size, smallestSize, largestSize) : smallestSize;
@@ -29,10 +32,9 @@ QFont modelFont(bool bold) {
 }
 
 QString written(const QString& text, const TextStyle& style) {
-  const QString bounded = text.left(mostCharacters);
-  if (!(style.longest > 0)) return bounded;
+  const double longest = style.longest > 0 ? std::min(style.longest, widest) : widest;
   const QFontMetricsF metrics(modelFont(style.bold));
-  return metrics.elidedText(bounded, Qt::ElideRight, style.longest * modelSize / sizeOf(style));
+  return metrics.elidedText(text.left(mostCharacters), Qt::ElideRight, longest * modelSize / sizeOf(style));
 }
 
 double outlineWidth(double size) { return std::max(1.25, size / 10); }
@@ -74,8 +76,10 @@ TextStamp makeStamp(const QString& text, const TextStyle& style, double devicePi
   painter.translate(stamp.baseline);
   QColor opaque = style.colour;
   opaque.setAlpha(255);
-  painter.strokePath(path,
-                     QPen(outlineColour(opaque), 2 * outlineWidth(size), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.setPen(QPen(outlineColour(opaque), 2 * outlineWidth(size), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  // One contour at a time: stroking a long text as one path takes time that grows with the square of its length.
+  for (const QPolygonF& contour : outline.toSubpathPolygons())
+    painter.drawPolygon(QTransform::fromScale(factor, factor).map(contour));
   painter.fillPath(path, opaque);
   return stamp;
 }

@@ -14,7 +14,7 @@ struct TextStyle {
   double size = 12;  ///< points
   QColor colour = Qt::white;
   bool bold = false;
-  double longest = 0;  ///< points; what does not fit is left out with an ellipsis; 0: any width
+  double longest = 0;  ///< points; what does not fit is left out with an ellipsis; 0: 2000
 };
 
 /// A line of text with an outline that keeps it readable over any background, painted once and kept.

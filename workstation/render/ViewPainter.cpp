@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <tuple>
+#include <utility>
 
 #include "workstation/render/AnnotationPainter.h"
 #include "workstation/render/GreyImage.h"
@@ -19,6 +20,9 @@ constexpr double edgeGap = 5;
 /// Room in the middle of the view that the corner texts leave free, where a slice's level is written.
 constexpr double middleRoom = 84;
 constexpr double largestView = 32768;  ///< pixels of the device, a side
+/// Square points that a pixel of the slice may cover; beyond, there is nothing to see.
+constexpr double smallestPixelArea = 1e-8;
+constexpr double largestPixelArea = 1e10;
 
 auto fieldsOf(const ViewTransform& t) {
   return std::make_tuple(t.viewWidth, t.viewHeight, t.columns, t.rows, t.pixelAspect, t.scale, t.origin.x, t.origin.y,
@@ -52,9 +56,9 @@ int reduction(double devicePixelsPerPixel, int pixels) {
 
 void paintSlice(QPainter& painter, const QImage& image, const ViewTransform& transform, double devicePixelRatio) {
   const QTransform toDisplay = displayTransform(transform);
-  bool isInvertible = false;
-  const QTransform toPixels = toDisplay.inverted(&isInvertible);
-  if (!isInvertible) return;
+  const double area = std::abs(toDisplay.determinant());
+  if (!(area > smallestPixelArea) || !(area < largestPixelArea)) return;
+  const QTransform toPixels = toDisplay.inverted();
   const QRectF whole(-0.5, -0.5, image.width(), image.height());
   // Only what is seen, and a little more: at a great zoom the rest would be far away.
   const QRectF seen =
@@ -102,12 +106,13 @@ void ViewPainter::paint(QPainter& painter, const ViewPicture& picture, const std
   const double height = picture.transform.viewHeight;
   if (!(width > 0) || !(height > 0) || !(width * ratio <= largestView) || !(height * ratio <= largestView)) return;
   painter.save();
-  painter.setClipRect(QRectF(0, 0, width, height));
+  painter.setClipRect(QRectF(0, 0, width, height), Qt::IntersectClip);
   updateImage(picture, pixels);
   updateLayer(picture, ratio);
   painter.drawImage(QPointF(0, 0), layer_);
   paintReferenceLines(painter, picture);
   paintAnnotations(painter, picture, stamps_);
+  paintCrosses(painter, picture);
   if (image_.isNull()) paintProblem(painter, picture, problem);
   const double bottom = height - paintBanners(painter, picture);
   paintLetters(painter, picture, bottom);
@@ -150,6 +155,22 @@ void ViewPainter::paintReferenceLines(QPainter& painter, const ViewPicture& pict
   painter.setPen(QPen(QColor(90, 200, 255, 220), 1, Qt::DashLine));
   for (const PixelSegment& line : picture.referenceLines)
     painter.drawLine(onDisplay(picture.transform, line.from), onDisplay(picture.transform, line.to));
+  painter.restore();
+}
+
+void ViewPainter::paintCrosses(QPainter& painter, const ViewPicture& picture) {
+  constexpr double gap = 4;
+  constexpr double reach = 14;
+  painter.save();
+  painter.setRenderHint(QPainter::Antialiasing);
+  for (const auto& [width, colour] : {std::pair(4.0, QColor(0, 0, 0)), std::pair(2.0, QColor(255, 80, 80))}) {
+    painter.setPen(QPen(colour, width));
+    for (const pelmar::PixelPoint& cross : picture.crosses) {
+      const QPointF at = onDisplay(picture.transform, cross);
+      for (const QPointF& arm : {QPointF(1, 0), QPointF(-1, 0), QPointF(0, 1), QPointF(0, -1)})
+        painter.drawLine(at + gap * arm, at + reach * arm);
+    }
+  }
   painter.restore();
 }
 

@@ -26,6 +26,7 @@ class ViewPainter {
   void updateImage(const ViewPicture& picture, const std::shared_ptr<const PixelData>& pixels);
   void updateLayer(const ViewPicture& picture, double devicePixelRatio);
   void paintReferenceLines(QPainter& painter, const ViewPicture& picture);
+  void paintCrosses(QPainter& painter, const ViewPicture& picture);
   void paintProblem(QPainter& painter, const ViewPicture& picture, const std::string& problem);
   double paintBanners(QPainter& painter, const ViewPicture& picture);
   void paintLetters(QPainter& painter, const ViewPicture& picture, double bottom);

@@ -41,6 +41,7 @@ struct ViewPicture {
   std::optional<WindowSetting> window;  ///< what the person has chosen; absent: what the file asks for
   std::vector<PaintedAnnotation> annotations;
   std::vector<PixelSegment> referenceLines;
+  std::vector<pelmar::PixelPoint> crosses;  ///< points that a person has marked, from this or another viewer
   EdgeLetters letters;
   std::optional<ScaleBar> scaleBar;
   CornerTexts corners;
