@@ -18,6 +18,7 @@ void TestWindow::makeKeyAndOrderFront() {
 
 void TestWindow::close() {
   record(log, name + ".close()");
+  if (whileClosing) whileClosing();
   if (!visible) return;
   if (delegate) delegate->windowWillClose();
   visible = false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -26,6 +27,7 @@ class TestWindow : public pelmar::Window {
   pelmar::WindowOwner* owner = nullptr;        ///< null for a viewer's window and once it has closed
   pelmar::WindowDelegate* delegate = nullptr;  ///< null once it has closed
   std::vector<std::string> changedValues;      ///< keys of didChangeValue, in order
+  std::function<void()> whileClosing;          ///< called first by each close; may throw
 
   /// What a person does: uses a control. Returns what the owner answered, false without an owner.
   bool click(std::string_view action) { return owner && owner->performAction(action); }

@@ -98,6 +98,10 @@ INSTANTIATE_TEST_SUITE_P(
         HostCall{"dealloc", [](Session& session) { session.filter->dealloc(); }},
         HostCall{"destruction", [](Session& session) { session.filter.reset(); }},
         HostCall{"guess", [](Session& session) { session.filter->valueForKey("guessedAnatomicalRegion"); }},
+        HostCall{"sliceName",
+                 [](Session& session) {
+                   session.filter->valueForObject(session.axial->view->dcmPixList()->objectAtIndex(1), "sliceName");
+                 }},
         HostCall{"drawing", [](Session& session) { session.drawLine(); }},
         HostCall{"editing",
                  [](Session& session) {
@@ -124,6 +128,26 @@ INSTANTIATE_TEST_SUITE_P(
                    EXPECT_FALSE(session.host.windows.newest()->isVisible());
                  }}),
     [](const auto& row) { return std::string(row.param.name); });
+
+/// A study whose record cannot be read.
+class UnreadableStudy : public TestStudy {
+ public:
+  std::optional<std::string> studyInstanceUID() const override { throw std::runtime_error("the record is gone"); }
+};
+
+TEST(FailingRecord, letsNothingOutOfTheSnapshot) {
+  Session session;
+  session.filter->setStudy(pelmar::makeRef<UnreadableStudy>());
+  EXPECT_NO_THROW(EXPECT_TRUE(session.filter->stateSnapshot().isNil()));
+}
+
+TEST(FailingWindow, letsNothingOutOfTheDestruction) {
+  Session session;
+  const auto window = session.host.windows.newest();
+  window->whileClosing = [] { throw std::runtime_error("the window does not close"); };
+  EXPECT_NO_THROW(session.filter.reset());
+  EXPECT_TRUE(window->isVisible()) << "it was asked to close, and failed";
+}
 
 TEST(FailingPanel, letsNothingOutOfTheMenuCommand) {
   TestHost host;
