@@ -48,7 +48,7 @@ class TextStamps {
   const TextStamp& stampOf(const QString& text, const TextStyle& style, double devicePixelRatio);
   void place(QPainter& painter, const TextStamp& stamp, QPointF baseline);
 
-  QCache<QString, TextStamp> stamps_{8 << 20};  ///< by bytes
+  QCache<QString, TextStamp> stamps_{4 << 20};  ///< by bytes
 };
 
 }  // namespace workstation

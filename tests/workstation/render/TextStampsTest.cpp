@@ -17,7 +17,7 @@ double luminanceOf(QColor colour) {
   return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
 }
 double contrastOf(QColor a, QColor b) {
-  const auto [darker, lighter] = std::minmax(luminanceOf(a), luminanceOf(b));
+  const auto [darker, lighter] = std::minmax({luminanceOf(a), luminanceOf(b)});
   return (lighter + 0.05) / (darker + 0.05);
 }
 
