@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "../dicom/DicomFixtures.h"
+#include "tests/workstation/dicom/DicomFixtures.h"
 #include "workstation/database/StudyDatabase.h"
 
 namespace workstation::test {

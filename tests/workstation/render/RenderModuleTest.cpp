@@ -86,7 +86,7 @@ class RenderModuleTest : public testing::Test {
 
   Workstation workstation_;
   PixelReader reader_;
-  const RenderModule* module_ = nullptr;
+  std::shared_ptr<const RenderModule> module_;
 };
 
 TEST_F(RenderModuleTest, PaintsAnImageWithTheLabelsOfTheVertebrae) {
@@ -123,6 +123,15 @@ TEST_F(RenderModuleTest, WritesTheLevelAtTheTopOfAnAxialSlice) {
 }
 
 TEST_F(RenderModuleTest, TheSamePictureIsTheSameFile) { EXPECT_EQ(render(0), render(0)); }
+
+TEST_F(RenderModuleTest, PaintsAgainAfterItWasFinished) {
+  const QImage before = render(0);
+  module_ = nullptr;
+  auto again = loadRenderModule(VERTANA_RENDER_MODULE);
+  ASSERT_TRUE(again) << again.problem;
+  module_ = *again;
+  EXPECT_EQ(render(0), before);
+}
 
 TEST_F(RenderModuleTest, PaintsInAnotherSizeAndDensity) {
   RenderOptions how;

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "../model/TestImages.h"
+#include "tests/workstation/model/TestImages.h"
 #include "workstation/model/Workstation.h"
 
 namespace workstation::test {
