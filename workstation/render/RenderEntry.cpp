@@ -4,10 +4,12 @@
 #include <QPainter>
 #include <QSaveFile>
 #include <algorithm>
+#include <array>
 #include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <exception>
+#include <memory>
 
 #include "workstation/render/RenderModule.h"
 #include "workstation/render/ViewPainter.h"
@@ -19,18 +21,27 @@ void printOnlyWhatIsFatal(QtMsgType type, const QMessageLogContext&, const QStri
   if (type == QtCriticalMsg || type == QtFatalMsg) std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
 }
 
-/// Text cannot be painted without an application object. One that is there already is used; ours stays to the end.
+/// The application object that painting has made for itself; null until then.
+std::unique_ptr<QGuiApplication>& ownApplication() {
+  static auto* application = new std::unique_ptr<QGuiApplication>;  // left alone when the program ends
+  return *application;
+}
+
+/// Text cannot be painted without an application object. One that is there already is used.
 bool haveApplication() {
   if (QCoreApplication::instance()) return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
   static char name[] = "vertana";
   static char option[] = "-platform";
   static char platform[] = "offscreen";
-  static char* arguments[] = {name, option, platform, nullptr};
-  static int count = 3;
+  // Both must last as long as the application, which takes the options that it knows out of them.
+  static std::array<char*, 4> arguments;
+  static int count = 0;
+  arguments = {name, option, platform, nullptr};
+  count = 3;
   // The application takes on the person's locale, in which numbers may have a comma: the program's stays as it was.
   const std::string locale = std::setlocale(LC_ALL, nullptr);
   const QtMessageHandler previous = qInstallMessageHandler(printOnlyWhatIsFatal);
-  new QGuiApplication(count, arguments);
+  ownApplication() = std::make_unique<QGuiApplication>(count, arguments.data());
   qInstallMessageHandler(previous);
   std::setlocale(LC_ALL, locale.c_str());
   return true;
@@ -98,10 +109,13 @@ bool renderPicture(const ViewPicture& picture, PixelSource& source, const Render
   return false;
 }
 
+void finish() { ownApplication().reset(); }
+
 }  // namespace
 }  // namespace workstation
 
 extern "C" __attribute__((visibility("default"))) const workstation::RenderModule* vertana_render_module() {
-  static const workstation::RenderModule module{workstation::renderModuleVersion, workstation::renderPicture};
+  static const workstation::RenderModule module{workstation::renderModuleVersion, workstation::renderPicture,
+                                                workstation::finish};
   return &module;
 }

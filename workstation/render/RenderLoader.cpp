@@ -8,7 +8,7 @@ namespace workstation {
 namespace {
 
 namespace fs = std::filesystem;
-using Loaded = Result<const RenderModule*>;
+using Loaded = Result<std::shared_ptr<const RenderModule>>;
 
 Loaded refused(const fs::path& file, const std::string& reason) {
   return Loaded::refused("Pictures cannot be painted: " + file.string() + " " + reason + ".");
@@ -30,10 +30,10 @@ Loaded loadRenderModule(const fs::path& file) {
   const auto find = reinterpret_cast<RenderModuleFunction>(dlsym(handle, "vertana_render_module"));
   if (!find) return refused(file, "exports no vertana_render_module");
   const RenderModule* module = find();
-  if (!module || module->version != renderModuleVersion || !module->renderPicture) {
+  if (!module || module->version != renderModuleVersion || !module->renderPicture || !module->finish) {
     return refused(file, "belongs to another version of the program; install both together");
   }
-  return Loaded::of(module);
+  return Loaded::of(std::shared_ptr<const RenderModule>(module, [](const RenderModule* loaded) { loaded->finish(); }));
 }
 
 Outcome renderViewer(const RenderModule& module, const Workstation& workstation, int viewer, PixelSource& source,

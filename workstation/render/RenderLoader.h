@@ -1,15 +1,17 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 
 #include "workstation/model/Outcome.h"
 #include "workstation/render/RenderModule.h"
 
 namespace workstation {
 
-/// Opens the painting module; it stays loaded to the end of the program. Refused, with a sentence that names the file,
-/// where there is none, it cannot be loaded, or it belongs to another version of the program.
-Result<const RenderModule*> loadRenderModule(const std::filesystem::path& file);
+/// Opens the painting module. Letting go of the last handle finishes painting; the module itself stays loaded to the
+/// end of the program. Let go before main returns. Refused, with a sentence that names the file, where there is none,
+/// it cannot be loaded, or it belongs to another version of the program.
+Result<std::shared_ptr<const RenderModule>> loadRenderModule(const std::filesystem::path& file);
 
 /// Paints a viewer as it is now into a PNG file. `width` and `height` in points; 0: those of the viewer. A whole
 /// sentence where that is refused or fails.

@@ -24,6 +24,9 @@ struct RenderModule {
   /// picture cannot be written; then nothing of it is on disk.
   bool (*renderPicture)(const ViewPicture& picture, PixelSource& source, const RenderOptions& options,
                         const char* pngFile, std::string& problem) = nullptr;
+  /// Lets go of what painting keeps (fonts, an application object where the program has none). Pictures can be painted
+  /// again afterwards. To be called before the program ends; RenderLoader does.
+  void (*finish)() = nullptr;
 };
 
 /// The module's only exported function is `extern "C" const RenderModule* vertana_render_module()`.
