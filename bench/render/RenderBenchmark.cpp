@@ -87,6 +87,7 @@ void scroll(benchmark::State& state, double ratio) {
   const ViewPicture picture = labelledPicture(600, 512);
   QImage surface = surfaceFor(picture, ratio);
   std::vector<std::shared_ptr<const PixelData>> slices;
+  slices.reserve(8);
   for (int number = 0; number < 8; ++number) slices.push_back(slice(512, number));
   std::size_t shown = 0;
   for (auto _ : state) {
