@@ -121,8 +121,9 @@ testFolder() {
   ctest --test-dir "$folder" -j "$jobs" --output-on-failure --no-tests=error "$@" </dev/null
 }
 
-# checkPluginReadsOnlyItsOwn BUILD_FOLDER: complains of headers of the workstation or of its libraries, which may well be
-# installed on this machine, that a build of the plug-in alone has read.
+# checkPluginReadsOnlyItsOwn BUILD_FOLDER: the presets of the plug-in alone hide the workstation's packages from CMake;
+# this complains of headers of the workstation or of its libraries, which may well be installed on this machine,
+# that such a build has read.
 checkPluginReadsOnlyItsOwn() {
   local foreign
   foreign=$(ninja -C "$1" -t deps |
