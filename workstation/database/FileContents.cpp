@@ -51,12 +51,7 @@ DecodedLabelling decodeLabelling(const StoredReport& report) {
     return decoded;
   }
   PatientPointClass points;
-  Result<pelmar::Value> root = readArchive(report.archive, points);
-  if (!root) {
-    // DICOM pads a value of odd length with a byte, which is no part of the archive.
-    auto unpadded = readArchive({report.archive.begin(), report.archive.end() - 1}, points);
-    if (unpadded) root = std::move(unpadded);
-  }
+  const Result<pelmar::Value> root = readPaddedArchive(report.archive, points);
   if (!root) {
     decoded.problem = asPhrase(root.problem);
     return decoded;

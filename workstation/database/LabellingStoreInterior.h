@@ -68,6 +68,10 @@ class LabellingStore::Interior {
   void notice(std::string sentence);
   /// Says once of every report that cannot be read, and of the counting one if read from its content.
   void noticeProblems(const std::vector<ShelvedReport>& reports);
+  /// Says that the report under the path was read from its standard content.
+  void noticeContent(const std::string& path);
+  /// What the model tells of the study; nothing where it may not be asked: it is asked on its own thread only.
+  std::optional<ReportContext> askedContext(const std::string& studyUid) const;
 
   struct StudyState {
     std::optional<MadeReport> held;

@@ -122,8 +122,7 @@ void LabellingStore::Interior::importFile(const std::string& path) {
 }
 
 std::optional<SavedLabelling> LabellingStore::Interior::decoded(const pelmar::Bytes& archive) const {
-  auto root = readArchive(archive, points_);
-  if (!root && !archive.empty()) root = readArchive({archive.begin(), archive.end() - 1}, points_);
+  const auto root = readPaddedArchive(archive, points_);
   return root ? labellingFromValue(*root) : std::nullopt;
 }
 
@@ -138,8 +137,7 @@ std::optional<pelmar::Bytes> LabellingStore::Interior::archiveOf(const StoredRep
   if (!report.content) return std::nullopt;
   auto archive = writeArchive(valueFromLabelling(*report.content, points_));
   if (!archive) return std::nullopt;
-  notice("The archive of the stored labelling " + path +
-         " is missing; it was read from the report's standard content.");
+  noticeContent(path);
   return *std::move(archive);
 }
 

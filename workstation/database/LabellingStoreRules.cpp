@@ -88,11 +88,8 @@ Outcome LabellingStore::Interior::shelveLabelling(MadeReport& report, const std:
 }
 
 Outcome LabellingStore::Interior::shelve(MadeReport& report, int instanceNumber, const ContentTime& time) {
-  // The model may be asked on its own thread only; a report from another waits for the next event there.
-  const bool mayAsk = contextSource_ && std::this_thread::get_id() == mainThread_;
-  if (!report.context && mayAsk && !report.labelling->isEmpty()) {
-    report.context = contextSource_(report.studyUid);
-  }
+  // A report from another thread without a context cannot be encoded there: it waits for the next event.
+  if (!report.context && !report.labelling->isEmpty()) report.context = askedContext(report.studyUid);
   ReportToWrite whole;
   whole.patientImage = report.patientImage.empty() ? shelf_.anyImage(report.studyUid) : report.patientImage;
   whole.sopInstanceUid = report.sopUid;
@@ -110,6 +107,11 @@ Outcome LabellingStore::Interior::shelve(MadeReport& report, int instanceNumber,
     return Outcome::refused("The report " + report.path + " cannot be written: no space is left on the device.");
   }
   return shelf_.store(report.studyUid, report.path, *bytes);
+}
+
+std::optional<ReportContext> LabellingStore::Interior::askedContext(const std::string& studyUid) const {
+  if (!contextSource_ || std::this_thread::get_id() != mainThread_) return std::nullopt;
+  return contextSource_(studyUid);
 }
 
 /// A report that is not of labellings: no rule holds it back.
@@ -134,9 +136,13 @@ void LabellingStore::Interior::noticeProblems(const std::vector<ShelvedReport>& 
   }
   const ShelvedReport* counting = countingReport(reports);
   if (counting && counting->fromContent) {
-    notice("The archive of the stored labelling " + counting->file.string() +
-           " is missing; it was read from the report's standard content.");
+    noticeContent(counting->file.string());
   }
+}
+
+void LabellingStore::Interior::noticeContent(const std::string& path) {
+  notice("The archive of the stored labelling " + path +
+         " is missing: it was read from the report's standard content, whose numbers have single precision.");
 }
 
 Outcome LabellingStore::restore(const std::string& studyUid, const std::string& sopInstanceUid) {
@@ -176,6 +182,12 @@ Outcome LabellingStore::restore(const std::string& studyUid, const std::string& 
   report.seriesUid = found->seriesInstanceUid;
   report.sopUid = interior_->parts_.freshUid();
   report.context = earlier->context;
+  if (earlier->context.frameOfReferenceUid.empty()) {
+    // A report of another program may carry the archive alone. Where its levels lie the study tells; its slices are not
+    // named, for the model may know another labelling.
+    report.context = interior_->askedContext(studyUid).value_or(ReportContext());
+    report.context->sliceLevels.clear();
+  }
   const Outcome outcome = interior_->shelveLabelling(report, there);
   if (!outcome) return refused(*outcome.problem);
   Interior::StudyState& study = interior_->studies_[studyUid];

@@ -89,6 +89,21 @@ TEST_F(StoreFiles, AReportWithoutArchiveIsRestoredFromItsContent) {
   EXPECT_EQ(labellingOf(shelf.files[2].report.archive), lumbar(1));
 }
 
+TEST_F(StoreFiles, AReportThatCarriesTheArchiveAloneIsRestoredWhereTheStudyLies) {
+  shelf.add("1", {"20200101", "100000"}, lumbar(1));
+  shelf.add("2", {"20200102", "100000"}, lumbar(2));
+  store.setContextSource([](const std::string&) {
+    ReportContext context;
+    context.frameOfReferenceUid = "6.6";
+    context.sliceLevels = {{{"1.2", "3.4"}, "L4"}};
+    return std::optional(context);
+  });
+  ASSERT_TRUE(store.restore(study, "1"));
+  EXPECT_EQ(labellingOf(shelf.files[2].report.archive), lumbar(1));
+  EXPECT_EQ(shelf.files[2].report.context.frameOfReferenceUid, "6.6");
+  EXPECT_TRUE(shelf.files[2].report.context.sliceLevels.empty());
+}
+
 TEST_F(StoreFiles, RestoringDropsAHeldEmptyState) {
   shelf.add("1", {"20200101", "100000"}, lumbar(1));
   shelf.add("2", {"20200102", "100000"}, lumbar(2));
@@ -140,8 +155,8 @@ TEST_F(StoreFiles, AReportWhoseArchiveIsMissingIsReadFromItsContentAndThatIsSaid
   file.report.content = lumbar(1);
   EXPECT_EQ(plugin.load(), lumbar(1));
   EXPECT_EQ(store.takeNotices(),
-            (std::vector<std::string>{"The archive of the stored labelling /others/1 is missing; it was read from the "
-                                      "report's standard content."}));
+            (std::vector<std::string>{"The archive of the stored labelling /others/1 is missing: it was read from the "
+                                      "report's standard content, whose numbers have single precision."}));
   EXPECT_TRUE(store.status(study).fromContent);
 }
 
