@@ -93,9 +93,9 @@ int runRestore(const RestoreArguments& arguments) {
   if (!study) return fail(study.failure);
   auto session = StudySession::open(**source, *study);
   if (!session) return fail(session.failure);
-  if (const auto outcome = (*session)->store().restore(*study, arguments.object); !outcome) {
-    return fail({ExitNotAllowed, *outcome.problem});
-  }
+  const auto outcome = (*session)->store().restore(*study, arguments.object);
+  (*session)->printNotices();
+  if (!outcome) return fail({ExitNotAllowed, *outcome.problem});
   std::cout << "The labelling of " << printable(arguments.object) << " counts again, as a new object.\n";
   return ExitDone;
 }

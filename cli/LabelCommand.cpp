@@ -15,7 +15,7 @@ int runLabel(const LabelArguments& arguments) {
   auto session = StudySession::open(**source, *study);
   if (!session) return fail(session.failure);
   const auto labelling = labelStudy(**session, *study, arguments);
-  (*session)->printNotices();
+  (*session)->printNotices((*session)->store().status(*study).problem);
   if (!labelling) return fail(labelling.failure);
   warnOfOtherFrames(*labelling);
   arguments.json ? printLabellingAsJson(std::cout, *labelling) : printLabelling(std::cout, *labelling);

@@ -14,6 +14,13 @@ using workstation::Workstation;
 
 namespace {
 
+/// What the report that counts tells of the study; nothing where none counts.
+workstation::ReportContext contextOf(const std::optional<workstation::ShelvedReport>& counting) {
+  if (!counting) return {};
+  const auto report = workstation::readReport(counting->file);
+  return report ? report->context : workstation::ReportContext();
+}
+
 bool isVertical(const Stack& stack) {
   return stack.plane == workstation::Plane::sagittal || stack.plane == workstation::Plane::coronal;
 }
@@ -87,16 +94,15 @@ Expected<Labelling> storedLabelling(StudySession& session, const std::string& st
     return Failure{ExitNotAllowed,
                    session.source().title() + " holds no labelling" + why + ": draw one with vertana label."};
   };
-  if (!counting || !counting->labelling) return none("");
-  if (counting->labelling->isEmpty()) return none(" any more (it was reset)");
-
-  const auto report = workstation::readReport(counting->file);
-  const auto context = report ? report->context : workstation::ReportContext();
+  const auto context = contextOf(counting);
   auto& workstation = session.workstation();
   const auto vertical = drawnStack(workstation, studyUid, context);
   if (!vertical) return none("");
-  // The plug-in takes the study's labelling in as soon as one of its series is shown.
+  // The plug-in takes the study's labelling in as soon as one of its series is shown. It looks also where none counts,
+  // so that reports that cannot be read are named.
   if (const auto opened = workstation.openViewer(*vertical); !opened) return Failure{ExitNotAllowed, opened.problem};
+  if (!counting) return none("");
+  if (counting->labelling->isEmpty()) return none(" any more (it was reset)");
   const auto state = workstation.pluginState();
   const auto& stack = *workstation.stack(*vertical);
 

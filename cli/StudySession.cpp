@@ -67,7 +67,6 @@ Expected<std::unique_ptr<StudyDatabase>> openWithProgress(const std::string& pat
   }
   if (interrupted()) return Failure{ExitNotAllowed, "Interrupted while reading " + path + "; nothing was changed."};
   if (!opened) return Failure{ExitUnreadable, opened.problem};
-  for (const auto& notice : (*opened)->notices()) printMessage(notice);
   return std::move(*opened);
 }
 
@@ -86,6 +85,7 @@ Expected<std::unique_ptr<StudySource>> StudySource::open(const std::string& stud
   if (!opened) return opened.failure;
   source->name_ = isDatabase ? study + " in " + database : study;
   source->database_ = std::move(*opened);
+  source->printNotices();
   if (const auto problem = isDatabase ? source->findStudy(study, database) : source->listFolder()) return *problem;
   return source;
 }
@@ -125,6 +125,11 @@ Expected<std::string> StudySource::onlyStudy() const {
                                      " studies: give a folder that holds one (vertana info lists them)."};
 }
 
+void StudySource::printNotices() {
+  const auto& notices = database_->notices();
+  for (; printedNotices_ < notices.size(); ++printedNotices_) printMessage(notices[printedNotices_]);
+}
+
 std::string StudySource::title() const { return "The study in " + name_; }
 
 fs::path pluginBundlePath() {
@@ -153,8 +158,11 @@ Expected<std::unique_ptr<StudySession>> StudySession::open(StudySource& source, 
   return session;
 }
 
-void StudySession::printNotices() {
-  for (const auto& notice : store_.takeNotices()) printMessage(notice);
+void StudySession::printNotices(const std::string& told) {
+  source_.printNotices();
+  for (const auto& notice : store_.takeNotices()) {
+    if (told.empty() || !notice.ends_with(told)) printMessage(notice);
+  }
 }
 
 }  // namespace cli

@@ -44,6 +44,8 @@ class StudySource {
   Expected<std::string> onlyStudy() const;
   const std::vector<BadFile>& bad() const { return bad_; }
   const LeftOut& leftOut() const { return leftOut_; }
+  /// What the database has to tell the person of its index, each sentence once.
+  void printNotices();
   /// How messages name a study: "The study in /tmp/spine".
   std::string title() const;
 
@@ -57,6 +59,7 @@ class StudySource {
   std::vector<std::string> studies_;
   std::vector<BadFile> bad_;
   LeftOut leftOut_;
+  std::size_t printedNotices_ = 0;
 };
 
 /// The plug-in's bundle: the one named by the environment's VERTANA_PLUGIN, else ../lib/Vertana.plugin beside the
@@ -73,8 +76,8 @@ class StudySession {
   StudySource& source() { return source_; }
   workstation::LabellingStore& store() { return store_; }
   workstation::Workstation& workstation() { return *workstation_; }
-  /// What the store has to tell the person.
-  void printNotices();
+  /// What the store and the database have to tell the person, but for what ends like a sentence that is told anyway.
+  void printNotices(const std::string& told = {});
 
  private:
   explicit StudySession(StudySource& source);
