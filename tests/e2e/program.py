@@ -11,12 +11,12 @@ _settings = tempfile.TemporaryDirectory(prefix="vertana-settings-")
 
 
 class Run:
-    """What one run of the command gave."""
+    """What one run of the command gave. `prepare` is called in the new process before the command begins."""
 
-    def __init__(self, program, arguments, timeout=300):
+    def __init__(self, program, arguments, timeout=300, prepare=None):
         environment = dict(os.environ, XDG_CONFIG_HOME=_settings.name)
         done = subprocess.run([program, *map(str, arguments)], env=environment, stdin=subprocess.DEVNULL,
-                              capture_output=True, text=True, timeout=timeout, check=False)
+                              capture_output=True, text=True, timeout=timeout, check=False, preexec_fn=prepare)
         self.command = " ".join(["vertana", *map(str, arguments)])
         self.status = done.returncode
         self.out = done.stdout
