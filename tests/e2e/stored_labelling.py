@@ -96,15 +96,13 @@ def check_report(checks, report, labelled):
         checks.that(near, f"{plane['name']} lies where it was drawn")
 
 
-def check_history(checks, program, folder, polygon, series, first):
+def check_history(checks, program, folder, polygon, line, series, first):
     """A second labelling follows the first; the first is made to count again; nothing is ever taken away."""
     before = contents(folder)
     run = Run(program, ["label", folder, "--polygon", polygon, "--series", series, "--json"])
     checks.that(run.status == 0, "labelling the same again ends well", run)
     checks.that(len(reports(folder)) == 1, "a labelling that says the same is not stored again")
 
-    head, foot = polygon.split(",")[:2], polygon.split(",")[-2:]
-    line = ",".join(head + foot)
     run = Run(program, ["label", folder, "--line", line, "--series", series, "--json"])
     checks.that(run.status == 0, "another labelling is taken", run)
     second = run.json()
@@ -131,7 +129,7 @@ def check_history(checks, program, folder, polygon, series, first):
                 "no file was changed or taken away")
 
 
-def check_database(checks, program, folder, labelled):
+def check_database(checks, program, folder, labelled, line):
     database = folder.parent / "database"
     run = Run(program, ["import", folder, "--database", database])
     checks.that(run.status == 0 and labelled["study"] in run.out, "import ends well", run)
@@ -140,6 +138,20 @@ def check_database(checks, program, folder, labelled):
     before = contents(database / "studies")
     run = Run(program, ["import", folder, "--database", database])
     checks.that(run.status == 0 and contents(database / "studies") == before, "importing again adds nothing", run)
+
+    originals, imported = contents(folder), reports(database)
+    run = Run(program, ["label", labelled["study"], "--database", database, "--line", line, "--json"])
+    checks.that(run.status == 0 and not run.messages, "a study of a database can be labelled", run)
+    stored = reports(database)
+    checks.that(len(stored) == len(imported) + 1 and pathlib.Path(stored[-1].filename).parent.parent ==
+                database / "studies", "its report lies in the study's folder of the database")
+    shown = Run(program, ["show", labelled["study"], "--database", database, "--json"])
+    checks.that(shown.status == 0 and names(shown.json()) == names(run.json()), "and counts in another process", shown)
+    history = Run(program, ["history", labelled["study"], "--database", database, "--json"]).json()["labellings"]
+    checks.that([entry["object"] for entry in history] == [report.SOPInstanceUID for report in stored],
+                "history lists what the database holds")
+    checks.that(contents(folder) == originals, "the folder it was imported from stays as it was")
+
     run = Run(program, ["show", "1.2.3", "--database", database])
     checks.that(run.status == 1 and "1.2.3" in run.messages[-1], "a study that is not there is refused by name", run)
 
@@ -156,6 +168,7 @@ def main():
         checks.that(not (folder / ".vertana").exists(), "looking leaves nothing behind")
 
         polygon, series = oracle("polygon", folder), oracle("series", folder)
+        line = ",".join(polygon.split(",")[:2] + polygon.split(",")[-2:])
         extra = ["--extra-vertebra"] if "--extra-vertebra" in options else []
         run = Run(program, ["label", folder, "--polygon", polygon, "--series", series, "--json", *extra])
         checks.that(run.status == 0 and not run.messages, "label ends well", run)
@@ -165,8 +178,8 @@ def main():
         check_report(checks, stored[0], labelled)
         check_reading(checks, program, folder, labelled)
         if not extra:
-            check_history(checks, program, folder, polygon, series, labelled)
-        check_database(checks, program, folder, labelled)
+            check_history(checks, program, folder, polygon, line, series, labelled)
+        check_database(checks, program, folder, labelled, line)
     checks.finish()
 
 
