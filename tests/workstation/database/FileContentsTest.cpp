@@ -8,6 +8,11 @@
 namespace workstation::test {
 namespace {
 
+/// Points hold single precision, and so do the archives that are made of them.
+bool isLumbarAt7(const DecodedLabelling& decoded) {
+  return decoded.labelling && sameInSinglePrecision(*decoded.labelling, lumbarAt(7));
+}
+
 TEST(FileContents, AnArchiveWithThePadByteOfDicomIsReadWhateverTheByteIs) {
   for (const int pad : {0, 1, 255}) {
     StoredReport report;
@@ -15,7 +20,7 @@ TEST(FileContents, AnArchiveWithThePadByteOfDicomIsReadWhateverTheByteIs) {
     ASSERT_EQ(report.archive.size() % 2, 1U);
     report.archive.push_back(static_cast<std::uint8_t>(pad));
     const DecodedLabelling decoded = decodeLabelling(report);
-    EXPECT_EQ(decoded.labelling, lumbarAt(7)) << decoded.problem;
+    EXPECT_TRUE(isLumbarAt7(decoded)) << decoded.problem;
     EXPECT_FALSE(decoded.fromContent);
     EXPECT_EQ(decoded.problem, "");
   }
@@ -66,7 +71,7 @@ TEST(FileContents, APaddedReportOnDiskIsReadLikeAnyOther) {
   writeBytes(folder.path() / "report.dcm", *bytes);
   const FileContents contents = readFileContents(folder.path() / "report.dcm");
   ASSERT_TRUE(contents.labelling);
-  EXPECT_EQ(contents.labelling->labelling, lumbarAt(7)) << contents.labelling->problem;
+  EXPECT_TRUE(isLumbarAt7(*contents.labelling)) << contents.labelling->problem;
 }
 
 }  // namespace
