@@ -121,7 +121,8 @@ std::string storedText(const workstation::StoredStatus& stored) {
   if (!stored.state) return "none stored";
   if (stored.state->isEmpty()) return "none stored (reset)";
   const auto levels = stored.state->levels ? stored.state->levels->size() : 0;
-  return regionName(stored.state->anatomicalRegion.value_or(-1)) + ", " + counted(levels, "level", "levels");
+  return regionName(stored.state->anatomicalRegion.value_or(-1)) + ", " + counted(levels, "level", "levels") +
+         (stored.fromContent ? " (read from its standard content)" : "");
 }
 
 ordered_json jsonOf(const workstation::StoredStatus& stored) {

@@ -77,6 +77,7 @@ def check_stripped(checks, program, folder, file, shown):
                 "the planes are the same in single precision", run)
     entry = Run(program, ["history", folder, "--json"]).json()["labellings"][-1]
     checks.that(entry["fromContent"] and entry["counts"], "history tells it too")
+    checks.that("standard content" in Run(program, ["info", folder]).out, "and info")
     file.write_bytes(whole)
 
 

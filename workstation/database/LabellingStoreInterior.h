@@ -62,6 +62,9 @@ class LabellingStore::Interior {
   Outcome shelve(MadeReport& report, int instanceNumber, const ContentTime& time);
   /// The same for a labelling, at the place after all that is there.
   Outcome shelveLabelling(MadeReport& report, const std::vector<ShelvedReport>& there);
+  /// A new report that says what an earlier one of the study says; refused, with the rest of a sentence, when that
+  /// cannot be read.
+  Result<MadeReport> madeAgain(const std::string& studyUid, const ShelvedReport& earlier);
 
   /// The newest report that could not be written; null when all are.
   const MadeReport* unsaved(const std::string& studyUid) const;

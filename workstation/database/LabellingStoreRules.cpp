@@ -145,6 +145,32 @@ void LabellingStore::Interior::noticeContent(const std::string& path) {
          " is missing: it was read from the report's standard content, whose numbers have single precision.");
 }
 
+Result<MadeReport> LabellingStore::Interior::madeAgain(const std::string& studyUid, const ShelvedReport& earlier) {
+  const auto read = parts_.readFile(earlier.file);
+  if (!read) {
+    return Result<MadeReport>::refused("its file " + earlier.file.string() + " cannot be read: " + read.problem + ".");
+  }
+  const auto archive = archiveOf(*read, earlier.file.string());
+  if (!archive) return Result<MadeReport>::refused("its labelling cannot be archived.");
+  MadeReport report;
+  report.studyUid = studyUid;
+  report.path = shelf_.freshPath(studyUid, "dcm").string();
+  report.archive = *archive;
+  report.labelling = earlier.labelling;
+  report.seriesNumber = labellingSeriesNumber;
+  report.seriesDescription = labellingSeriesDescription;
+  report.seriesUid = earlier.seriesInstanceUid;
+  report.sopUid = parts_.freshUid();
+  report.context = read->context;
+  if (read->context.frameOfReferenceUid.empty()) {
+    // A report of another program may carry the archive alone. Where its levels lie the study tells; its slices are not
+    // named, for the model may know another labelling.
+    report.context = askedContext(studyUid).value_or(ReportContext());
+    report.context->sliceLevels.clear();
+  }
+  return Result<MadeReport>::of(std::move(report));
+}
+
 Outcome LabellingStore::restore(const std::string& studyUid, const std::string& sopInstanceUid) {
   const std::lock_guard lock(interior_->mutex_);
   const auto refused = [&](const std::string& why) {
@@ -167,32 +193,13 @@ Outcome LabellingStore::restore(const std::string& studyUid, const std::string& 
   if (sameInSinglePrecision(*counting->labelling, *found->labelling)) {
     return refused("the one that counts, " + counting->sopInstanceUid + ", says the same.");
   }
-  const auto earlier = interior_->parts_.readFile(found->file);
-  if (!earlier) return refused("its file " + found->file.string() + " cannot be read: " + earlier.problem + ".");
-  const auto archive = interior_->archiveOf(*earlier, found->file.string());
-  if (!archive) return refused("its labelling cannot be archived.");
-
-  MadeReport report;
-  report.studyUid = studyUid;
-  report.path = interior_->shelf_.freshPath(studyUid, "dcm").string();
-  report.archive = *archive;
-  report.labelling = found->labelling;
-  report.seriesNumber = labellingSeriesNumber;
-  report.seriesDescription = labellingSeriesDescription;
-  report.seriesUid = found->seriesInstanceUid;
-  report.sopUid = interior_->parts_.freshUid();
-  report.context = earlier->context;
-  if (earlier->context.frameOfReferenceUid.empty()) {
-    // A report of another program may carry the archive alone. Where its levels lie the study tells; its slices are not
-    // named, for the model may know another labelling.
-    report.context = interior_->askedContext(studyUid).value_or(ReportContext());
-    report.context->sliceLevels.clear();
-  }
-  const Outcome outcome = interior_->shelveLabelling(report, there);
+  Result<MadeReport> report = interior_->madeAgain(studyUid, *found);
+  if (!report) return refused(report.problem);
+  const Outcome outcome = interior_->shelveLabelling(*report, there);
   if (!outcome) return refused(*outcome.problem);
   Interior::StudyState& study = interior_->studies_[studyUid];
   study.held.reset();
-  study.lastSeen = report.labelling;
+  study.lastSeen = report->labelling;
   return Outcome::done();
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <random>
 #include <set>
 #include <system_error>
 #include <utility>
@@ -17,13 +16,6 @@ namespace workstation {
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string freshUid() {
-  std::random_device chance;
-  std::string seed = "report file";
-  for (int i = 0; i < 8; ++i) seed += " " + std::to_string(chance());
-  return makeUid(seed);
-}
 
 /// The structured reports, an object that lies in several files with the first of them.
 std::vector<IndexedObject> reportsAmong(std::vector<IndexedObject> objects) {

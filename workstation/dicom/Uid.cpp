@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <random>
 
 namespace workstation {
 namespace {
@@ -58,6 +59,13 @@ std::string makeUid(std::string_view seed) {
   uuid.high = (uuid.high & ~0xf000ULL) | 0x8000ULL;                       // version 8: own hash
   uuid.low = (uuid.low & 0x3fffffffffffffffULL) | 0x8000000000000000ULL;  // the standard's variant
   return "2.25." + decimal(uuid);
+}
+
+std::string freshUid() {
+  std::random_device chance;
+  std::string seed = "fresh";
+  for (int word = 0; word < 8; ++word) seed += " " + std::to_string(chance());
+  return makeUid(seed);
 }
 
 }  // namespace workstation

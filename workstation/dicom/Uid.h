@@ -10,4 +10,7 @@ namespace workstation {
 /// ones with the certainty that 122 hashed bits give. At most 44 characters. Not for anything that must be unguessable.
 std::string makeUid(std::string_view seed);
 
+/// A DICOM unique identifier of the same form that nothing else has: its seed is 256 random bits.
+std::string freshUid();
+
 }  // namespace workstation

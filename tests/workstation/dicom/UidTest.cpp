@@ -37,6 +37,13 @@ TEST(Uid, DiffersForEachOfManySimilarSeeds) {
   EXPECT_EQ(uids.size(), 100003U);
 }
 
+TEST(Uid, IsAnotherOneEachTimeAFreshOneIsMade) {
+  std::set<std::string> uids;
+  for (int i = 0; i < 1000; ++i) uids.insert(freshUid());
+  EXPECT_EQ(uids.size(), 1000U);
+  EXPECT_TRUE(uids.begin()->starts_with("2.25."));
+}
+
 TEST(Uid, IsADecimalUuidOfThisVersionAndVariant) {
   for (int i = 0; i < 1000; ++i) {
     const std::string uid = makeUid("seed " + std::to_string(i));
