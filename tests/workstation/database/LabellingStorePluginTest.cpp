@@ -246,6 +246,24 @@ TEST_P(Stories, ALabellingThatCannotBeSavedIsShownAndSavedLater) {
   expectLabelled();
 }
 
+TEST_P(Stories, ALabellingThatCouldNotBeSavedIsSavedWhenThePaletteIsUsed) {
+  begin();
+  const auto images = disk->files();
+  const int viewer = openWithPalette();
+  draw(viewer);
+  store().setFailing(true);
+  EXPECT_TRUE(desk().closePalette());
+  EXPECT_TRUE(desk().chooseMenu(viewer, "Labels"));
+  labelled = store().status(study).state;
+  store().setFailing(false);
+  EXPECT_EQ(disk->files(), images);
+  EXPECT_TRUE(desk().setPaletteValue("displayLabels", false));
+  EXPECT_FALSE(store().status(study).unsaved);
+  EXPECT_EQ(disk->files().size(), images.size() + 1);
+  crash();
+  expectLabelled();
+}
+
 TEST_P(Stories, ALabellingThatCouldNotBeSavedIsSavedOnQuitting) {
   begin();
   draw(openWithPalette());
