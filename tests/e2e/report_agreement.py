@@ -6,6 +6,7 @@ usage: report_agreement.py VERTANA REGION [OPTION OF vertana phantom...]
 """
 import pathlib
 import resource
+import shutil
 import signal
 import struct
 import subprocess
@@ -110,6 +111,28 @@ def check_unreadable(checks, program, folder, drawing, first):
         checks.that(sum(file.name in message for message in run.messages) == 1, f"{file.name} is named once", run)
 
 
+def check_foreign(checks, program, folder, drawing, shown):
+    """A report of another program: the archive as an encapsulated document, nothing that tells where its levels lie."""
+    file = report_files(folder)[0]
+    report = pydicom.dcmread(file)
+    archive = archive_of(report)
+    report.remove_private_tags()
+    report.ContentSequence = []
+    report.EncapsulatedDocument = archive
+    report.save_as(file)
+    run = Run(program, ["show", folder, "--json"])
+    checks.that(run.status == 0 and not run.messages and names(run.json()) == names(shown),
+                "a report of another program is read", run)
+    run = Run(program, ["label", folder, *drawing])
+    checks.that(run.status == 0, "another labelling is taken", run)
+    run = Run(program, ["restore", folder, "--object", report.SOPInstanceUID])
+    checks.that(run.status == 0 and not run.messages, "it can be restored", run)
+    checks.that(len(report_files(folder)) == 3 and
+                archive_of(pydicom.dcmread(report_files(folder)[-1])) == archive, "with the same archive")
+    run = Run(program, ["show", folder, "--json"])
+    checks.that(run.status == 0 and names(run.json()) == names(shown), "and counts again", run)
+
+
 def write_nothing():
     """As on a full disk: no byte goes into any file, whoever the user is."""
     signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
@@ -147,6 +170,8 @@ def main():
         check_stripped(checks, program, folder, files[0], shown)
         points = polygon.split(",")
         shorter = ["--polygon", ",".join(points[:-2]), "--series", series, *extra]
+        foreign = shutil.copytree(folder, folder.parent / "foreign")
+        check_foreign(checks, program, foreign, shorter, shown)
         check_unreadable(checks, program, folder, shorter, shown)
     checks.finish()
 
