@@ -154,7 +154,9 @@ Expected<Arguments> parseArguments(int argc, const char* const* argv) {
   if (command == "label") return labelArguments(raw);
   if (command == "show") return Arguments(raw.show);
   if (command == "history") return Arguments(raw.history);
-  return Arguments(raw.restore);
+  if (command == "restore") return Arguments(raw.restore);
+  if (command == "render") return Arguments(raw.render);
+  return Arguments(raw.play);
 }
 
 }  // namespace cli

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/ExitStatus.h"
+#include "cli/play/Play.h"
 #include "host/Geometry.h"
 
 namespace cli {
@@ -67,13 +68,20 @@ struct RestoreArguments {
   std::string object;  ///< SOP Instance UID
 };
 
+struct RenderArguments {
+  std::string study;
+  std::string database;
+  std::string outDir;
+};
+
 /// Help or version was asked for: print the text and be done.
 struct TextToPrint {
   std::string text;
 };
 
-using Arguments = std::variant<TextToPrint, DemoArguments, PhantomArguments, ImportArguments, InfoArguments,
-                               LabelArguments, ShowArguments, HistoryArguments, RestoreArguments>;
+using Arguments =
+    std::variant<TextToPrint, DemoArguments, PhantomArguments, ImportArguments, InfoArguments, LabelArguments,
+                 ShowArguments, HistoryArguments, RestoreArguments, RenderArguments, PlayArguments>;
 
 /// Reads the command line; what is wrong with it is a Failure with ExitUsage.
 Expected<Arguments> parseArguments(int argc, const char* const* argv);

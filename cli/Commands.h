@@ -13,6 +13,7 @@ int runLabel(const LabelArguments& arguments);
 int runShow(const ShowArguments& arguments);
 int runHistory(const HistoryArguments& arguments);
 int runRestore(const RestoreArguments& arguments);
+int runRender(const RenderArguments& arguments);
 
 /// Parses and runs; the whole program.
 int run(int argc, const char* const* argv);

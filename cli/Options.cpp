@@ -94,6 +94,20 @@ void addRestore(CLI::App& app, RawArguments& raw) {
   restore->footer("Example:\n  vertana restore /tmp/spine --object 2.25.1234");
 }
 
+void addRender(CLI::App& app, RawArguments& raw) {
+  auto* render = app.add_subcommand("render", "Paint a picture of each series, with its labels");
+  addStudy(*render, raw.render.study, raw.render.database);
+  render->add_option("--out", raw.render.outDir, "Folder for the PNG files")->required()->type_name("DIR");
+  render->footer("Example:\n  vertana render /tmp/spine --out /tmp/pictures");
+}
+
+void addPlay(CLI::App& app, RawArguments& raw) {
+  auto* play = app.add_subcommand("play", "Run a session script and print its dumps");
+  play->add_option("SCRIPT", raw.play.script, "File with the script (JSON)")->required()->type_name("");
+  play->add_option("--database", raw.play.database, "Database folder, instead of the script's")->type_name("DIR");
+  play->footer("Example:\n  vertana play session.json");
+}
+
 }  // namespace
 
 void addCommands(CLI::App& app, RawArguments& raw) {
@@ -105,6 +119,8 @@ void addCommands(CLI::App& app, RawArguments& raw) {
   addShow(app, raw);
   addHistory(app, raw);
   addRestore(app, raw);
+  addRender(app, raw);
+  addPlay(app, raw);
 }
 
 }  // namespace cli

@@ -20,6 +20,8 @@ struct RawArguments {
   ShowArguments show;
   HistoryArguments history;
   RestoreArguments restore;
+  RenderArguments render;
+  PlayArguments play;
   std::string phantomRegion;
   std::optional<std::string> seed;
   std::optional<std::string> series;

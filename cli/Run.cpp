@@ -20,7 +20,9 @@ int dispatch(const Arguments& arguments) {
   if (const auto* label = std::get_if<LabelArguments>(&arguments)) return runLabel(*label);
   if (const auto* show = std::get_if<ShowArguments>(&arguments)) return runShow(*show);
   if (const auto* history = std::get_if<HistoryArguments>(&arguments)) return runHistory(*history);
-  return runRestore(std::get<RestoreArguments>(arguments));
+  if (const auto* restore = std::get_if<RestoreArguments>(&arguments)) return runRestore(*restore);
+  if (const auto* render = std::get_if<RenderArguments>(&arguments)) return runRender(*render);
+  return play(std::get<PlayArguments>(arguments));
 }
 
 }  // namespace

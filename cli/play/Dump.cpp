@@ -95,7 +95,7 @@ class ValueWriter {
     const auto id = workstation_.annotationId(held);
     if (!roi || !id) return nullptr;
     const auto place = places_.find(*id);
-    return jsonOf(*roi.get(), *id, place == places_.end() ? std::vector<int>() : place->second);
+    return jsonOf(*roi, *id, place == places_.end() ? std::vector<int>() : place->second);
   }
 
   const Workstation& workstation_;
@@ -157,7 +157,7 @@ ordered_json storedOf(const workstation::StoredStatus& status, const ValueWriter
 ordered_json viewerOf(const Workstation& workstation, const workstation::ViewerInfo& viewer) {
   auto rois = ordered_json::array();
   for (const auto& each : workstation.annotations(viewer.number))
-    rois.push_back(jsonOf(*each.roi.get(), each.id, each.slices));
+    rois.push_back(jsonOf(*each.roi, each.id, each.slices));
   return {{"viewer", viewer.number},
           {"series", jsonOf(workstation.series(viewer.stack)->number)},
           {"stack", viewer.stack.stack},

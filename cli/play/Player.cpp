@@ -9,8 +9,6 @@
 
 namespace cli {
 
-using workstation::Outcome;
-
 Player::Process::Process(std::unique_ptr<OpenedStudies> opened, workstation::Options options)
     : studies(std::move(opened)), archive(points), store(studies->shelf(), points), workstation([&] {
         options.reports = &store;

@@ -97,6 +97,19 @@ TEST(Studies, LieInAFolderOrInADatabase) {
   EXPECT_TRUE(std::get<HistoryArguments>(*parse({"history", "folder", "--json"})).json);
 }
 
+TEST(Render, NeedsAFolderToWriteTo) {
+  EXPECT_EQ(std::get<RenderArguments>(*parse({"render", "folder", "--out", "pictures"})).outDir, "pictures");
+  expectWords(refusal({"render", "folder"}), {"--out"});
+}
+
+TEST(Play, NeedsAScript) {
+  const auto parsed = parse({"play", "session.json", "--database", "db"});
+  ASSERT_TRUE(parsed);
+  EXPECT_EQ(std::get<PlayArguments>(*parsed).script, "session.json");
+  EXPECT_EQ(std::get<PlayArguments>(*parsed).database, "db");
+  expectWords(refusal({"play"}), {"SCRIPT"});
+}
+
 TEST(Restore, NeedsTheObject) {
   const auto parsed = parse({"restore", "folder", "--object", "2.25.7"});
   ASSERT_TRUE(parsed);
@@ -134,7 +147,7 @@ TEST(Usage, TheLargestSeedFits) {
 }
 
 TEST(Usage, WhatIsWrongIsNamed) {
-  expectWords(refusal({}), {"No command", "demo, phantom, import, info, label, show, history, restore"});
+  expectWords(refusal({}), {"No command", "demo, phantom, import, info, label, show, history, restore, render, play"});
   expectWords(refusal({"--bogus"}), {"'--bogus'"});
   expectWords(refusal({"lable"}), {"'lable'", "label"});
   expectWords(refusal({"info", "--json=maybe", "folder"}), {"--json", "no value"});
@@ -161,8 +174,8 @@ TEST_P(Help, FitsAScreenOf80By24AndHasAnExample) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Commands, Help,
-                         testing::Values("", "demo", "phantom", "import", "info", "label", "show", "history",
-                                         "restore"));
+                         testing::Values("", "demo", "phantom", "import", "info", "label", "show", "history", "restore",
+                                         "render", "play"));
 
 }  // namespace
 }  // namespace cli::test
