@@ -172,6 +172,7 @@ Archiver::Uid Archiver::reserve() {
 
 PropertyListWriter::Index Archiver::references(const std::vector<Uid>& uids) {
   std::vector<Index> indices;
+  indices.reserve(uids.size());
   for (const Uid uid : uids) indices.push_back(list_.uid(uid));
   return list_.array(std::move(indices));
 }

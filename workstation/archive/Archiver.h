@@ -22,7 +22,7 @@ class Archiver {
 
   /// The entry of `$objects` that stands for a value; 0, which is nil, when there is a problem.
   Uid add(const pelmar::Value& value);
-  Uid addText(const std::string& text);
+  Uid addText(const std::string& string);
   Uid addArray(const pelmar::Value::Array& elements);
   Uid addDictionary(const pelmar::Value::Dictionary& entries);
   Uid addObject(const pelmar::Value& value);

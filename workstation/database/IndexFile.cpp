@@ -48,7 +48,7 @@ DatabaseHeader headerOf(const fs::path& file) {
     for (std::size_t i = at; i < at + 4; ++i) value = value << 8 | static_cast<unsigned char>(bytes[i]);
     return static_cast<std::int32_t>(value);
   };
-  return {std::string_view(bytes.data(), 16) == std::string_view("SQLite format 3", 16), number(60), number(68)};
+  return {std::string_view(bytes.data(), 16) == std::string_view("SQLite format 3\0", 16), number(60), number(68)};
 }
 
 /// What kind of database it is, by its header and its tables.

@@ -82,6 +82,7 @@ std::vector<HistoryEntry> LabellingStore::history(const std::string& studyUid) c
   const bool nothingUnsaved = interior_->unsaved(studyUid) == nullptr;
   const ShelvedReport* counting = countingReport(there);
   std::vector<HistoryEntry> entries;
+  entries.reserve(there.size());
   for (const ShelvedReport& report : there) entries.push_back({report, nothingUnsaved && &report == counting, false});
   if (nothingUnsaved) return entries;
   for (const MadeReport& report : interior_->studies_[studyUid].unsaved)
@@ -134,6 +135,7 @@ std::vector<Ref<pelmar::DicomSeries>> LabellingStore::reportSeries(const std::st
     return std::tie(a.seriesNumber, a.seriesInstanceUid) < std::tie(b.seriesNumber, b.seriesInstanceUid);
   });
   std::vector<Ref<pelmar::DicomSeries>> objects;
+  objects.reserve(all.size());
   for (const ReportSeries& series : all) objects.push_back(makeReportSeries(series));
   return objects;
 }
