@@ -12,9 +12,7 @@ std::string checkRegion(const std::string& name) {
 
 /// The argument that names a study, and where it lies.
 void addStudy(CLI::App& command, std::string& study, std::string& database) {
-  command.add_option("STUDY", study, "Folder of DICOM files; with --database a Study Instance UID")
-      ->required()
-      ->type_name("");
+  command.add_option("STUDY", study, "Folder of DICOM files, or a UID with --database")->required()->type_name("");
   command.add_option("--database", database, "Database folder that holds the study")->type_name("DIR");
 }
 
@@ -55,7 +53,7 @@ void addInfo(CLI::App& app, RawArguments& raw) {
 }
 
 void addLabel(CLI::App& app, RawArguments& raw) {
-  auto* label = app.add_subcommand("label", "Draw along the spine, name every axial slice, store it");
+  auto* label = app.add_subcommand("label", "Draw a line, name every axial slice, store it");
   addStudy(*label, raw.label.study, raw.label.database);
   label->add_option("--line", raw.line, "Length line, in pixels of the vertical slice")->type_name("X0,Y0,X1,Y1");
   label->add_option("--polygon", raw.polygon, "Open polygon through the discs, in pixels")
@@ -71,24 +69,24 @@ void addLabel(CLI::App& app, RawArguments& raw) {
 }
 
 void addShow(CLI::App& app, RawArguments& raw) {
-  auto* show = app.add_subcommand("show", "Print the stored labelling and the level of every axial slice");
+  auto* show = app.add_subcommand("show", "Print the stored labelling, slice by slice");
   addStudy(*show, raw.show.study, raw.show.database);
   auto* json = show->add_flag("--json", raw.show.json, "Print JSON for programs");
-  show->add_flag("--csv", raw.show.csv, "Print a table for programs: a row a disc and a row a slice")->excludes(json);
+  show->add_flag("--csv", raw.show.csv, "Print a table: a row a disc, a row a slice")->excludes(json);
   show->footer("Example:\n  vertana show /tmp/spine");
 }
 
 void addHistory(CLI::App& app, RawArguments& raw) {
-  auto* history = app.add_subcommand("history", "List every labelling that the study ever held");
+  auto* history = app.add_subcommand("history", "List every labelling the study ever held");
   addStudy(*history, raw.history.study, raw.history.database);
   history->add_flag("--json", raw.history.json, "Print JSON for programs");
   history->footer("Example:\n  vertana history /tmp/spine");
 }
 
 void addRestore(CLI::App& app, RawArguments& raw) {
-  auto* restore = app.add_subcommand("restore", "Make an earlier labelling count again, by adding it anew");
+  auto* restore = app.add_subcommand("restore", "Make an earlier labelling count again");
   addStudy(*restore, raw.restore.study, raw.restore.database);
-  restore->add_option("--object", raw.restore.object, "SOP Instance UID of the labelling (vertana history lists them)")
+  restore->add_option("--object", raw.restore.object, "Its SOP Instance UID (see vertana history)")
       ->required()
       ->type_name("UID");
   restore->footer("Example:\n  vertana restore /tmp/spine --object 2.25.1234");

@@ -27,7 +27,7 @@ class Database final : public pelmar::DicomDatabase, public std::enable_shared_f
     const auto store = ref_cast<StoreOfStudy>(forStore);
     if (!store) return std::nullopt;
     const std::lock_guard lock(store_.mutex_);
-    return store_.handOutPath(store->studyUid(), extension);
+    return store_.handOutPath(store.get()->studyUid(), extension);
   }
   Ref<pelmar::DicomDatabase> independentDatabase() const override {
     return Ref<pelmar::DicomDatabase>(std::const_pointer_cast<Database>(shared_from_this()));

@@ -78,7 +78,7 @@ std::string converted(std::string_view bytes, const char* encoding) {
   char* from = input.data();
   std::size_t left = input.size();
   while (left > 0) {
-    std::array<char, 256> output;
+    std::array<char, 256> output{};
     char* to = output.data();
     std::size_t room = output.size();
     const std::size_t before = left;

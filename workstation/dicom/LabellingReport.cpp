@@ -74,8 +74,8 @@ std::string problemOf(const ReportToWrite& report) {
   if (report.seriesDescription.size() > 64 ||
       !std::all_of(report.seriesDescription.begin(), report.seriesDescription.end(), allowed))
     return "the series description \"" + report.seriesDescription + "\" cannot be stored";
-  const OFString date(report.contentTime.date.c_str());
-  const OFString time(report.contentTime.time.c_str());
+  const OFString date(report.contentTime.date);
+  const OFString time(report.contentTime.time);
   if (DcmDate::checkStringValue(date, "1").bad() || date.empty() || DcmTime::checkStringValue(time, "1").bad() ||
       time.empty())
     return "its date and time are none: \"" + report.contentTime.date + "\", \"" + report.contentTime.time + "\"";
@@ -140,8 +140,8 @@ void putPrivateBlock(const ReportToWrite& report, Writer& writer) {
 /// Lists every image that the content refers to.
 void putEvidence(const ReportToWrite& report, const std::string& studyUid, DSRDocument& document) {
   const auto add = [&](const ImageReference& image, const std::string& series) {
-    document.getCurrentRequestedProcedureEvidence().addItem(studyUid.c_str(), series.c_str(), image.sopClassUid.c_str(),
-                                                            image.sopInstanceUid.c_str(), OFFalse);
+    document.getCurrentRequestedProcedureEvidence().addItem(studyUid, series, image.sopClassUid, image.sopInstanceUid,
+                                                            OFFalse);
   };
   for (const ImageReference& image : report.context.verticalImages)
     add(image, image.seriesInstanceUid.empty() ? report.context.verticalSeriesUid : image.seriesInstanceUid);
@@ -154,7 +154,7 @@ OFCondition writeDocument(const ReportToWrite& report, const std::string& studyU
   DSRDocument document(DSRTypes::DT_Comprehensive3DSR);
   OFCondition outcome = document.setTree(tree);
   if (outcome.bad()) return outcome;
-  document.createNewSeriesInStudy(studyUid.c_str(), OFFalse);
+  document.createNewSeriesInStudy(studyUid, OFFalse);
   DSRCodingSchemeIdentificationList& schemes = document.getCodingSchemeIdentification();
   schemes.addItem(OFString(privateScheme.data(), privateScheme.size()));
   schemes.setCodingSchemeName("Vertana spine labelling");

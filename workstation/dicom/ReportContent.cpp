@@ -33,15 +33,15 @@ class TreeWriter {
 
   /// An item with its value set by `fill`; what `below` adds comes below it.
   template <class Fill, class Below>
-  void item(DSRTypes::E_RelationshipType relationship, DSRTypes::E_ValueType type, const std::optional<Code>& concept_,
-            const Fill& fill, const Below& below) {
+  void item(DSRTypes::E_RelationshipType relationship, DSRTypes::E_ValueType type,
+            const std::optional<Code>& codedConcept, const Fill& fill, const Below& below) {
     const auto mode = tree_.isEmpty() ? DSRTypes::AM_afterCurrent : DSRTypes::AM_belowCurrent;
     if (failed_ || tree_.addContentItem(relationship, type, mode) == 0) {
       failed_ = true;
       return;
     }
     DSRContentItem& added = tree_.getCurrentContentItem();
-    if (concept_) note(added.setConceptName(toOf(*concept_), OFFalse));
+    if (codedConcept) note(added.setConceptName(toOf(*codedConcept), OFFalse));
     note(fill(added));
     below();
     if (relationship != DSRTypes::RT_isRoot) tree_.goUp();

@@ -25,8 +25,8 @@ void ViewerClass::computeOriginalOrientationForPixArray(const Ref<pelmar::List<R
   std::vector<const ImageRecord*> records;
   records.reserve(pixArray->count());
   for (std::size_t index = 0; index < pixArray->count(); ++index) {
-    const auto pix = ref_cast<Pix>(pixArray->objectAtIndex(index));
-    if (pix.get()) records.push_back(&pix.get()->record());
+    const Pix* const pix = ref_cast<Pix>(pixArray->objectAtIndex(index)).get();  // the list keeps it
+    if (pix) records.push_back(&pix->record());
   }
   orientationVector = orientationCodeOf(records);
 }

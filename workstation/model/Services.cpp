@@ -46,7 +46,7 @@ void Alerts::runCriticalAlertPanel(std::string_view title, std::string_view mess
         buttonsOf({defaultButton, alternateButton, otherButton})});
 }
 
-void Alerts::show(Alert alert) {
+void Alerts::show(const Alert& alert) {
   alerts_.push_back(alert);
   if (listeners_.showAlert) listeners_.showAlert(alert);
 }

@@ -39,7 +39,7 @@ class Alerts final : public pelmar::AlertPanels {
                              std::string_view alternateButton, std::string_view otherButton) override;
 
  private:
-  void show(Alert alert);
+  void show(const Alert& alert);
 
   const Listeners& listeners_;
   std::vector<Alert> alerts_;

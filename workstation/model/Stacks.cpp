@@ -105,6 +105,7 @@ std::vector<Study> groupIntoStudies(std::vector<ImageRecord> images) {
     groups[image.studyInstanceUid][image.seriesInstanceUid].push_back(std::move(image));
   }
   std::vector<Study> studies;
+  studies.reserve(groups.size());
   for (auto& [uid, bySeries] : groups) studies.push_back(makeStudy(uid, std::move(bySeries)));
   std::stable_sort(studies.begin(), studies.end(), [](const Study& a, const Study& b) { return a.date < b.date; });
   return studies;

@@ -126,7 +126,7 @@ class Workstation {
   pelmar::Value pluginAnswer(std::string_view question) const;
   /// The level that the plug-in gives a slice by the planes that it has in memory, whether a viewer shows the slice or
   /// not. Nothing for a slice beyond the ends, one that is not there, and one in colour, which the plug-in never names.
-  std::optional<std::string> levelOfSlice(const StackId& stack, std::size_t slice) const;
+  std::optional<std::string> levelOfSlice(const StackId& id, std::size_t slice) const;
   /// What a report of the labelling in the plug-in's memory tells beyond it: where it was drawn, and every axial slice
   /// that has a level, stacks in order of Series Number. Nothing for a study that was not added or has no vertical
   /// stack.
@@ -143,8 +143,8 @@ class Workstation {
   std::vector<StackId> stacks(const std::string& studyUid) const;
   /// The stack with this index in the first series with this number; nothing when there is none.
   std::optional<StackId> findStack(const std::string& studyUid, int seriesNumber, std::size_t stack = 0) const;
-  const Series* series(const StackId& stack) const;  ///< null when there is none
-  const Stack* stack(const StackId& stack) const;    ///< null when there is none
+  const Series* series(const StackId& id) const;  ///< null when there is none
+  const Stack* stack(const StackId& id) const;    ///< null when there is none
 
   // --- viewers -----------------------------------------------------------------------------------------------------
 
@@ -152,16 +152,16 @@ class Workstation {
   /// before the next opens. Answers their numbers.
   Result<std::vector<int>> openStudy(const std::string& studyUid);
   /// Opens one viewer, in front of the others, on the first slice; posts its loaded-notification.
-  Result<int> openViewer(const StackId& stack);
+  Result<int> openViewer(const StackId& id);
   /// Takes the viewer from the list, posts its closing while it is still whole, then lets it go.
   Outcome closeViewer(int viewer);
   /// Shows another stack in the viewer: posts that it will change, lets go of its annotations (the person's own come
   /// back with their stack), loads, and posts that it has loaded. Zoom, pan, rotation and flips begin anew.
-  Outcome switchSeries(int viewer, const StackId& stack);
+  Outcome switchSeries(int viewer, const StackId& id);
   Outcome bringToFront(int viewer);
   /// Every open viewer, in the order of opening.
   std::vector<ViewerInfo> viewers() const;
-  std::optional<ViewerInfo> viewer(int viewer) const;
+  std::optional<ViewerInfo> viewer(int number) const;
   /// The number of the viewer in front, of those open; nothing when none is open.
   std::optional<int> frontViewer() const;
   /// The record of a slice; null when there is no such viewer or slice.
@@ -218,7 +218,7 @@ class Workstation {
                        bool release = true);
   /// The same with the polygon tool: a click a point, then, if asked, a double click at the last point. Nothing more is
   /// sent once the polygon has been ended.
-  Result<int> drawPolygon(int viewer, int slice, const std::vector<pelmar::PixelPoint>& points, bool release = true);
+  Result<int> drawPolygon(int viewer, int slice, const std::vector<pelmar::PixelPoint>& points, bool finish = true);
   /// Ends what is being drawn: releases a line where it is, double-clicks a polygon at its last vertex.
   Outcome endDrawing(int viewer);
   /// Drags a vertex of an annotation to a pixel in `moves` (at least 1) equal steps, first showing a slice that holds
