@@ -24,7 +24,8 @@ struct Moment {
   int minute = 0;
   int second = 0;
   int microsecond = 0;
-  auto operator<=>(const Moment&) const = default;
+  auto operator<=>(const Moment&) const =
+      default;  // NOLINT(modernize-use-nullptr): the check takes "<=> 0" for a pointer
 };
 
 bool areDigits(std::string_view text) {
