@@ -24,8 +24,8 @@ struct Moment {
   int minute = 0;
   int second = 0;
   int microsecond = 0;
-  auto operator<=>(const Moment&) const =
-      default;  // NOLINT(modernize-use-nullptr): the check takes "<=> 0" for a pointer
+  // NOLINTNEXTLINE(modernize-use-nullptr): the check takes the zero of a defaulted comparison for a pointer
+  auto operator<=>(const Moment&) const = default;
 };
 
 bool areDigits(std::string_view text) {
