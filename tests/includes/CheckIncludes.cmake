@@ -73,8 +73,13 @@ foreach(index RANGE ${last})
   endif()
   list(APPEND seen "${key}")
 
+  # The source's own header where it has one: others of its folder may need libraries that its target does not have.
+  string(REGEX REPLACE "\\.cpp$" ".h" own "${relative}")
   foreach(other IN LISTS folder allowed)
     first_header(${other} header)
+    if(other STREQUAL folder AND EXISTS "${sourceDir}/${own}")
+      set(header "${own}")
+    endif()
     if(header STREQUAL "")
       continue()
     endif()
