@@ -5,7 +5,9 @@ usage: real_study.py VERTANA SHARED_DATA
 """
 import json
 import pathlib
+import shutil
 import sys
+import tempfile
 
 import pydicom
 
@@ -27,10 +29,16 @@ def distance(header, point):
     return abs(sum(a * b for a, b in zip(offset, normal(header))))
 
 
-def main():
-    program, data = sys.argv[1], shared_data(sys.argv[2], "lspine_mr_a")
+def writable_copy(folder, target):
+    shutil.copytree(folder, target, copy_function=shutil.copyfile)
+    for path in [target, *target.rglob("*")]:
+        if path.is_dir():
+            path.chmod(0o755)
+    return target
+
+
+def check(program, data, checks):
     reference = json.loads((data / "reference_discs.json").read_text())
-    checks = Checks()
 
     info = Run(program, ["info", data, "--json"])
     checks.that(info.status == 0 and len(info.json()["series"]) == 5, "five series open, a viewer each", info)
@@ -61,6 +69,14 @@ def main():
             checks.that(names[chosen.SOPInstanceUID] == disc["level"].replace("/", "-"),
                         f"{series} instance {chosen.InstanceNumber} is {disc['level']}, not "
                         f"{names[chosen.SOPInstanceUID]}")
+
+
+def main():
+    program, shared = sys.argv[1], shared_data(sys.argv[2], "lspine_mr_a")
+    checks = Checks()
+    with tempfile.TemporaryDirectory(prefix="vertana-e2e-") as temporary:
+        # Labelling stores a report in the study: in a copy, never in the data that all tests share.
+        check(program, writable_copy(shared, pathlib.Path(temporary) / "study"), checks)
     checks.finish()
 
 
