@@ -6,7 +6,9 @@ import subprocess
 import sys
 import tempfile
 
-SKIPPED = 77
+sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "support"))
+from checks import Checks, skip  # pylint: disable=wrong-import-position,unused-import
+
 _settings = tempfile.TemporaryDirectory(prefix="vertana-settings-")
 
 
@@ -27,32 +29,6 @@ class Run:
 
     def describe(self):
         return f"{self.command}\nstatus {self.status}\n{self.out}\n" + "\n".join(self.messages)
-
-
-class Checks:
-    """Collects what does not hold, so that one run shows all of it."""
-
-    def __init__(self):
-        self.count = 0
-        self.failed = 0
-
-    def that(self, holds, sentence, run=None):
-        self.count += 1
-        if holds:
-            return
-        self.failed += 1
-        print(f"FAILED: {sentence}")
-        if run is not None:
-            print(run.describe())
-
-    def finish(self):
-        print(f"{self.count - self.failed} checks passed, {self.failed} failed")
-        sys.exit(0 if self.failed == 0 and self.count > 0 else 1)
-
-
-def skip(reason):
-    print(f"SKIPPED: {reason}")
-    sys.exit(SKIPPED)
 
 
 def shared_data(root, *parts):

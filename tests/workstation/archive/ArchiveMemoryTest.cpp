@@ -5,10 +5,10 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <iostream>
 #include <new>
 
 #include "ArchiveTesting.h"
+#include "tests/support/Requirements.h"
 #include "workstation/archive/ArchiveBounds.h"
 
 namespace {
@@ -70,10 +70,7 @@ TEST(ArchiveMemory, counts_what_is_held) {
 
 TEST(ArchiveMemory, every_sample_is_read_in_less_than_10_megabytes) {
   const std::filesystem::path samples = ARCHIVE_SAMPLES;
-  if (!std::filesystem::is_directory(samples)) {
-    std::cerr << "SKIPPED: there is no folder " << samples << '\n';
-    GTEST_SKIP() << "there is no folder " << samples;
-  }
+  SKIP_WITHOUT_FOLDER(samples);
   std::size_t count = 0;
   for (const auto& entry : std::filesystem::directory_iterator(samples)) {
     ++count;

@@ -5,9 +5,9 @@
 
 #include <cmath>
 #include <filesystem>
-#include <iostream>
 
 #include "ArchiveTesting.h"
+#include "tests/support/Requirements.h"
 #include "workstation/archive/SavedLabelling.h"
 
 namespace {
@@ -51,11 +51,7 @@ void expectNear(const SavedLabelling& labelling, const SavedLabelling& expected,
 
 class ArchiveSamples : public testing::Test {
  protected:
-  void SetUp() override {
-    if (std::filesystem::is_directory(samples)) return;
-    std::cerr << "SKIPPED: there is no folder " << samples << '\n';
-    GTEST_SKIP() << "there is no folder " << samples;
-  }
+  void SetUp() override { SKIP_WITHOUT_FOLDER(samples); }
 };
 
 TEST_F(ArchiveSamples, good_ones_hold_the_labelling) {

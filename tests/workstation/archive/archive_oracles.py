@@ -1,35 +1,15 @@
 """What the tests beside independent readers and writers share. Values are as archive_tool prints them."""
 import json
 import math
+import pathlib
 import random
 import subprocess
 import sys
 
-SKIPPED = 77
+sys.path.insert(0, str(pathlib.Path(__file__).parent.parent.parent / "support"))
+from checks import Checks, skip  # pylint: disable=wrong-import-position,unused-import
+
 POINT = "point of"
-
-
-def skip(reason):
-    print(f"SKIPPED: {reason}")
-    sys.exit(SKIPPED)
-
-
-class Checks:
-    """Collects what does not hold, so that one run shows all of it."""
-
-    def __init__(self):
-        self.count = 0
-        self.failed = 0
-
-    def that(self, holds, sentence):
-        self.count += 1
-        if not holds:
-            self.failed += 1
-            print(f"FAILED: {sentence}")
-
-    def finish(self):
-        print(f"{self.count - self.failed} checks passed, {self.failed} failed")
-        sys.exit(0 if self.failed == 0 and self.count > 0 else 1)
 
 
 class Tool:

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "DicomFixtures.h"
+#include "tests/support/Requirements.h"
 
 namespace workstation::test {
 namespace {
@@ -29,7 +30,7 @@ class WrittenImage : public testing::TestWithParam<ImageKind> {
 };
 
 TEST_P(WrittenImage, ConformsToItsStorageClass) {
-  if (outputOf("command -v dciodvfy").empty()) GTEST_SKIP() << "SKIPPED: dciodvfy (package dicom3tools) is not here";
+  SKIP_WITHOUT_TOOL("dciodvfy", "dicom3tools");
   const fs::path file = folder_.file("image.dcm");
   write(image(), file);
   const std::string output = outputOf("dciodvfy '" + file.string() + "'");

@@ -149,6 +149,4 @@ ToolRun runTool(const std::string& command) {
   return run;
 }
 
-bool haveTool(const std::string& name) { return runTool("command -v " + name).status == 0; }
-
 }  // namespace workstation::test

@@ -47,6 +47,5 @@ struct ToolRun {
   int status = -1;
 };
 ToolRun runTool(const std::string& command);
-bool haveTool(const std::string& name);
 
 }  // namespace workstation::test

@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "ReportFixtures.h"
+#include "tests/support/Requirements.h"
 
 namespace workstation::test {
 namespace {
@@ -164,7 +165,7 @@ TEST(ReportReader, ReadsTheHeaderAlone) {
 /// Reports of others must not disturb: they are read, and are no labelling.
 TEST(ReportReader, TakesNothingOutOfReportsOfOthers) {
   const fs::path samples = fs::path(VERTANA_SHARED_DATA) / "sr_samples";
-  if (!fs::is_directory(samples)) GTEST_SKIP() << "SKIPPED: there is no folder " << samples << " on this machine";
+  SKIP_WITHOUT_FOLDER(samples);
   int read = 0;
   for (const auto& entry : fs::directory_iterator(samples)) {
     if (entry.path().extension() != ".dcm") continue;
@@ -184,7 +185,7 @@ TEST(ReportReader, TakesNothingOutOfReportsOfOthers) {
 
 TEST(ReportReader, SurvivesEveryMalformedSample) {
   const fs::path samples = fs::path(VERTANA_SHARED_DATA) / "fuzz";
-  if (!fs::is_directory(samples)) GTEST_SKIP() << "SKIPPED: there is no folder " << samples << " on this machine";
+  SKIP_WITHOUT_FOLDER(samples);
   int seen = 0;
   for (const auto& entry : fs::recursive_directory_iterator(samples)) {
     if (!entry.is_regular_file()) continue;

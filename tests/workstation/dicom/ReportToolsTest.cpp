@@ -6,14 +6,12 @@
 #include <sstream>
 
 #include "ReportFixtures.h"
+#include "tests/support/Requirements.h"
 
 namespace workstation::test {
 namespace {
 
 namespace fs = std::filesystem;
-
-#define SKIP_WITHOUT_TOOL(name, package) \
-  if (!haveTool(name)) GTEST_SKIP() << "SKIPPED: " << (name) << " is not installed (package " << (package) << ")"
 
 std::vector<std::string> linesOf(const std::string& text) {
   std::vector<std::string> lines;
@@ -108,10 +106,6 @@ pelmar::Bytes archiveByPydicom(const TemporaryFolder& folder, const fs::path& fi
   return bytesOf(folder.file("archive.bin"));
 }
 
-bool havePydicom() { return runTool("/usr/bin/python3 -c 'import pydicom'").status == 0; }
-#define SKIP_WITHOUT_PYDICOM() \
-  if (!havePydicom()) GTEST_SKIP() << "SKIPPED: /usr/bin/python3 has no pydicom (package python3-pydicom)"
-
 pelmar::Bytes archiveByGdcm(const TemporaryFolder& folder, const fs::path& file) {
   const fs::path raw = folder.file("archive.raw");
   const ToolRun run = runTool("gdcmraw -i " + path(file) + " -t 7321,1003 -o " + path(raw));
@@ -150,12 +144,10 @@ TEST_P(Reports, KeepTheirArchiveThroughImplicitVr) {
     EXPECT_EQ(after.archive, someArchive());
     EXPECT_EQ(after.content, before.content);
   }
-  if (haveTool("gdcmraw")) {
-    EXPECT_EQ(archiveByGdcm(folder_, back), someArchive());
-  }
-  if (havePydicom()) {
-    EXPECT_EQ(archiveByPydicom(folder_, back), someArchive());
-  }
+  SKIP_WITHOUT_PYDICOM();
+  EXPECT_EQ(archiveByPydicom(folder_, back), someArchive());
+  SKIP_WITHOUT_TOOL("gdcmraw", "libgdcm-tools");
+  EXPECT_EQ(archiveByGdcm(folder_, back), someArchive());
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, Reports, testing::ValuesIn(cases()), [](const auto& row) { return row.param.name; });
@@ -179,7 +171,7 @@ TEST(ReportTools, FramesOfAMultiFrameImageAreValidReferences) {
 /// The study of a patient whose name stands in half-width katakana and kanji.
 TEST(ReportTools, TheJapaneseNameOfARealStudyIsKept) {
   const fs::path study = fs::path(VERTANA_SHARED_DATA) / "lspine_mr_a";
-  if (!fs::is_directory(study)) GTEST_SKIP() << "SKIPPED: there is no folder " << study << " on this machine";
+  SKIP_WITHOUT_FOLDER(study);
   SKIP_WITHOUT_TOOL("dciodvfy", "dicom3tools");
   SKIP_WITHOUT_PYDICOM();
   TemporaryFolder folder;

@@ -9,6 +9,7 @@
 #include <set>
 
 #include "DicomFixtures.h"
+#include "tests/support/Requirements.h"
 #include "workstation/dicom/PixelReader.h"
 #include "workstation/dicom/StudyReader.h"
 
@@ -18,10 +19,6 @@ namespace {
 namespace fs = std::filesystem;
 
 const fs::path sharedData = VERTANA_SHARED_DATA;
-
-#define SKIP_WITHOUT(folder)                    \
-  if (!fs::is_directory(sharedData / (folder))) \
-  GTEST_SKIP() << "SKIPPED: there is no folder " << (sharedData / (folder)) << " on this machine"
 
 PixelData pixelsOf(const fs::path& file) {
   PixelReader reader;
@@ -67,7 +64,7 @@ double correlationOf(const std::vector<std::int32_t>& a, const std::vector<std::
 }
 
 TEST(SharedData, EveryFileOpensOrIsRefusedWithAReason) {
-  SKIP_WITHOUT("");
+  SKIP_WITHOUT_FOLDER(sharedData);
   ReadResult result = readImages(sharedData);
   for (const CopiedFile& copy : result.copies) readImageFile(copy.file, result);  // their pixels are looked at, too
   std::set<fs::path> accounted;
@@ -95,7 +92,7 @@ TEST(SharedData, EveryFileOpensOrIsRefusedWithAReason) {
 }
 
 TEST(SharedData, TheLumbarStudyHasFiveSeriesWithGeometryAndAReadableName) {
-  SKIP_WITHOUT("lspine_mr_a");
+  SKIP_WITHOUT_FOLDER(sharedData / "lspine_mr_a");
   const ReadResult result = readImages(sharedData / "lspine_mr_a");
   EXPECT_TRUE(result.unreadable.empty());
   std::map<int, int> slices;
@@ -120,7 +117,7 @@ struct Syntax {
 class CtInEveryLosslessSyntax : public testing::TestWithParam<Syntax> {};
 
 TEST_P(CtInEveryLosslessSyntax, AgreesPixelForPixelWithTheUncompressedOne) {
-  SKIP_WITHOUT("dicom_edge/ct_all_transfer_syntaxes");
+  SKIP_WITHOUT_FOLDER(sharedData / "dicom_edge/ct_all_transfer_syntaxes");
   const fs::path folder = sharedData / "dicom_edge/ct_all_transfer_syntaxes";
   const PixelData reference = pixelsOf(folder / "CTImage.dcm");
   const PixelData decoded = pixelsOf(folder / (std::string("CTImage.dcm_") + GetParam().file + ".dcm"));
@@ -155,7 +152,7 @@ class CtInEveryLossySyntax : public testing::TestWithParam<LossySyntax> {};
 /// the mean not by more than two steps, while a wrong sign, byte order or shift is off by thousands. JPEG-LS: the
 /// codestream was made with an allowance of 1. JPEG 2000 at 4:1: half a percent of the image's range, a mean under 1.
 TEST_P(CtInEveryLossySyntax, StaysWithinTheLossOfItsCompression) {
-  SKIP_WITHOUT("dicom_edge/ct_all_transfer_syntaxes");
+  SKIP_WITHOUT_FOLDER(sharedData / "dicom_edge/ct_all_transfer_syntaxes");
   const fs::path folder = sharedData / "dicom_edge/ct_all_transfer_syntaxes";
   const Difference difference = differenceOf(
       pixelsOf(folder / "CTImage.dcm"), pixelsOf(folder / (std::string("CTImage.dcm_") + GetParam().file + ".dcm")));
@@ -174,7 +171,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return row.param.name; });
 
 TEST(SharedData, FramesInSeveralFragmentsAreFoundWithoutAnOffsetTable) {
-  SKIP_WITHOUT("dicom_edge/ct_all_transfer_syntaxes");
+  SKIP_WITHOUT_FOLDER(sharedData / "dicom_edge/ct_all_transfer_syntaxes");
   const ReadResult result =
       readImages(sharedData / "dicom_edge/ct_all_transfer_syntaxes/CT0012.fragmented_no_bot_jpeg_baseline.51.dcm");
   ASSERT_EQ(result.images.size(), 2U);
@@ -191,7 +188,7 @@ TEST(SharedData, FramesInSeveralFragmentsAreFoundWithoutAnOffsetTable) {
 class SmallMr : public testing::TestWithParam<const char*> {};
 
 TEST_P(SmallMr, AgreesPixelForPixelWithTheUncompressedOne) {
-  SKIP_WITHOUT("dicom_edge/pydicom/test_files");
+  SKIP_WITHOUT_FOLDER(sharedData / "dicom_edge/pydicom/test_files");
   const fs::path folder = sharedData / "dicom_edge/pydicom/test_files";
   const PixelData reference = pixelsOf(folder / "MR_small.dcm");
   EXPECT_EQ(reference.samples.size(), 64U * 64U);
@@ -208,7 +205,7 @@ class ColourBars : public testing::TestWithParam<Syntax> {};
 /// The same picture of coloured bars in many encodings; where colour is subsampled, only the edges of bars may differ,
 /// which are a few percent of it: 3 of 255 in the mean. Swapped or unconverted colours differ by 80 and more.
 TEST_P(ColourBars, HaveTheColoursOfTheLosslessOne) {
-  SKIP_WITHOUT("dicom_edge/pydicom/test_files");
+  SKIP_WITHOUT_FOLDER(sharedData / "dicom_edge/pydicom/test_files");
   const fs::path folder = sharedData / "dicom_edge/pydicom/test_files";
   const PixelData reference = pixelsOf(folder / "SC_rgb_rle.dcm");
   ASSERT_EQ(reference.samplesPerPixel, 3);
@@ -230,7 +227,7 @@ INSTANTIATE_TEST_SUITE_P(Encodings, ColourBars,
                          [](const auto& row) { return row.param.name; });
 
 TEST(SharedData, PatientNamesInManyCharacterSetsAreReadable) {
-  SKIP_WITHOUT("dicom_edge/pydicom/charset_files");
+  SKIP_WITHOUT_FOLDER(sharedData / "dicom_edge/pydicom/charset_files");
   const std::map<std::string, std::string> names = {
       {"chrFren.dcm", "Buc^Jérôme"},
       {"chrGerm.dcm", "Äneas^Rüdiger"},
