@@ -76,11 +76,7 @@ std::optional<workstation::ImageGeometry> drawnOn(const workstation::Workstation
 
 Expected<Labelling> drawAndStore(StudySource& source, const std::string& study, const LabelArguments& arguments) {
   auto session = StudySession::open(source, study);
-  if (!session) return session.failure;
-  auto labelling = labelStudy(**session, study, arguments);
-  (*session)->printNotices();
-  (*session)->workstation().quit();
-  return labelling;
+  return session ? labelAndQuit(**session, study, arguments) : session.failure;
 }
 
 /// Nothing of the run that stored it is left: another source, another plug-in.

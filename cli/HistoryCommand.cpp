@@ -57,47 +57,44 @@ ordered_json jsonOf(const HistoryEntry& entry) {
           {"problem", labelling ? ordered_json() : ordered_json(report.problem)}};
 }
 
+void printHistory(std::ostream& out, const std::string& study, const std::vector<HistoryEntry>& history) {
+  if (history.empty()) {
+    out << "This study never held a labelling.\n";
+    return;
+  }
+  out << "The labellings of study " << printable(study) << ", the oldest first:\n\n";
+  for (const auto& entry : history) {
+    out << "  " << (entry.counts ? "* " : "  ") << timeOf(entry.report.contentTime) << "  "
+        << printable(contentOf(entry)) << "\n      " << printable(entry.report.sopInstanceUid) << '\n';
+  }
+  out << "\n* counts. To make another one count: vertana restore STUDY --object UID\n";
+}
+
+void printHistoryAsJson(std::ostream& out, const std::string& study, const std::vector<HistoryEntry>& history) {
+  auto list = ordered_json::array();
+  for (const auto& entry : history) list.push_back(jsonOf(entry));
+  const ordered_json json{{"study", study}, {"labellings", list}};
+  out << json.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+}
+
 }  // namespace
 
 int runHistory(const HistoryArguments& arguments) {
-  auto source = StudySource::open(arguments.study, arguments.database);
-  if (!source) return fail(source.failure);
-  const auto study = (*source)->onlyStudy();
-  if (!study) return fail(study.failure);
-  auto session = StudySession::open(**source, *study);
-  if (!session) return fail(session.failure);
-  const auto history = (*session)->store().history(*study);
-  if (arguments.json) {
-    auto list = ordered_json::array();
-    for (const auto& entry : history) list.push_back(jsonOf(entry));
-    const ordered_json json{{"study", *study}, {"labellings", list}};
-    std::cout << json.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+  return withStudy(arguments.study, arguments.database, [&](StudySession& session, const std::string& study) {
+    const auto history = session.store().history(study);
+    arguments.json ? printHistoryAsJson(std::cout, study, history) : printHistory(std::cout, study, history);
     return ExitDone;
-  }
-  std::cout << (history.empty() ? "This study never held a labelling.\n"
-                                : "The labellings of study " + printable(*study) + ", the oldest first:\n\n");
-  for (const auto& entry : history) {
-    std::cout << "  " << (entry.counts ? "* " : "  ") << timeOf(entry.report.contentTime) << "  "
-              << printable(contentOf(entry)) << "\n      " << printable(entry.report.sopInstanceUid) << '\n';
-  }
-  if (!history.empty()) {
-    std::cout << "\n* counts. To make another one count: vertana restore STUDY --object UID\n";
-  }
-  return ExitDone;
+  });
 }
 
 int runRestore(const RestoreArguments& arguments) {
-  auto source = StudySource::open(arguments.study, arguments.database);
-  if (!source) return fail(source.failure);
-  const auto study = (*source)->onlyStudy();
-  if (!study) return fail(study.failure);
-  auto session = StudySession::open(**source, *study);
-  if (!session) return fail(session.failure);
-  const auto outcome = (*session)->store().restore(*study, arguments.object);
-  (*session)->printNotices();
-  if (!outcome) return fail({ExitNotAllowed, *outcome.problem});
-  std::cout << "The labelling of " << printable(arguments.object) << " counts again, as a new object.\n";
-  return ExitDone;
+  return withStudy(arguments.study, arguments.database, [&](StudySession& session, const std::string& study) -> int {
+    const auto outcome = session.store().restore(study, arguments.object);
+    session.printNotices();
+    if (!outcome) return fail({ExitNotAllowed, *outcome.problem});
+    std::cout << "The labelling of " << printable(arguments.object) << " counts again, as a new object.\n";
+    return ExitDone;
+  });
 }
 
 }  // namespace cli

@@ -8,19 +8,13 @@
 namespace cli {
 
 int runLabel(const LabelArguments& arguments) {
-  auto source = StudySource::open(arguments.study, arguments.database);
-  if (!source) return fail(source.failure);
-  const auto study = (*source)->onlyStudy();
-  if (!study) return fail(study.failure);
-  auto session = StudySession::open(**source, *study);
-  if (!session) return fail(session.failure);
-  const auto labelling = labelStudy(**session, *study, arguments);
-  (*session)->printNotices((*session)->store().status(*study).problem);
-  if (!labelling) return fail(labelling.failure);
-  warnOfOtherFrames(*labelling);
-  arguments.json ? printLabellingAsJson(std::cout, *labelling) : printLabelling(std::cout, *labelling);
-  (*session)->workstation().quit();
-  return ExitDone;
+  return withStudy(arguments.study, arguments.database, [&](StudySession& session, const std::string& study) -> int {
+    const auto labelling = labelAndQuit(session, study, arguments);
+    if (!labelling) return fail(labelling.failure);
+    warnOfOtherFrames(*labelling);
+    arguments.json ? printLabellingAsJson(std::cout, *labelling) : printLabelling(std::cout, *labelling);
+    return ExitDone;
+  });
 }
 
 }  // namespace cli

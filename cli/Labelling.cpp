@@ -147,7 +147,18 @@ Expected<Labelling> labelStudy(StudySession& session, const std::string& studyUi
   if (const auto outcome = workstation.closePalette(); !outcome) return Failure{ExitNotAllowed, *outcome.problem};
   labelling.planes = planesFrom(workstation.pluginState());
   labelling.slices = axialSlices(workstation, vertical->frameOfReference);
+  return labelling;
+}
+
+Expected<Labelling> labelAndQuit(StudySession& session, const std::string& studyUid, const LabelArguments& arguments) {
+  auto labelling = labelStudy(session, studyUid, arguments);
+  if (!labelling) {
+    session.printNotices();
+    return labelling.failure;
+  }
+  session.workstation().quit();  // a labelling that could not be stored yet is tried once more
   const auto status = session.store().status(studyUid);
+  session.printNotices(status.problem);
   if (status.unsaved) return Failure{ExitNotAllowed, "The labelling could not be stored: " + status.problem};
   return labelling;
 }

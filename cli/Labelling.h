@@ -48,6 +48,10 @@ struct Labelling {
 /// A Failure says why the study or the drawing does not allow it; nothing has been drawn then.
 Expected<Labelling> labelStudy(StudySession& session, const std::string& studyUid, const LabelArguments& arguments);
 
+/// The same, and then ends the session as a person does; prints what the store has to tell. A labelling that could not
+/// be stored, quitting included, is a Failure.
+Expected<Labelling> labelAndQuit(StudySession& session, const std::string& studyUid, const LabelArguments& arguments);
+
 /// Prints a caution where axial slices lie in another frame of reference than the labelling.
 void warnOfOtherFrames(const Labelling& labelling);
 

@@ -69,20 +69,16 @@ std::optional<Failure> renderAll(StudySession& session, const std::string& study
 }  // namespace
 
 int runRender(const RenderArguments& arguments) {
-  auto source = StudySource::open(arguments.study, arguments.database);
-  if (!source) return fail(source.failure);
-  const auto study = (*source)->onlyStudy();
-  if (!study) return fail(study.failure);
-  std::error_code error;
-  fs::create_directories(arguments.outDir, error);
-  if (error) return fail({ExitNotAllowed, arguments.outDir + " cannot be made: " + error.message() + "."});
   const auto module = workstation::loadRenderModule(renderModulePath());
   if (!module) return fail({ExitNotAllowed, module.problem});
-  auto session = StudySession::open(**source, *study);
-  if (!session) return fail(session.failure);
-  const auto problem = renderAll(**session, *study, **module, arguments.outDir);
-  (*session)->printNotices();
-  return problem ? fail(*problem) : ExitDone;
+  return withStudy(arguments.study, arguments.database, [&](StudySession& session, const std::string& study) -> int {
+    std::error_code error;
+    fs::create_directories(arguments.outDir, error);
+    if (error) return fail({ExitNotAllowed, arguments.outDir + " cannot be made: " + error.message() + "."});
+    const auto problem = renderAll(session, study, **module, arguments.outDir);
+    session.printNotices();
+    return problem ? fail(*problem) : ExitDone;
+  });
 }
 
 }  // namespace cli

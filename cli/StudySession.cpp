@@ -158,6 +158,16 @@ Expected<std::unique_ptr<StudySession>> StudySession::open(StudySource& source, 
   return session;
 }
 
+int withStudy(const std::string& study, const std::string& database,
+              const std::function<int(StudySession& session, const std::string& studyUid)>& task) {
+  auto source = StudySource::open(study, database);
+  if (!source) return fail(source.failure);
+  const auto uid = (*source)->onlyStudy();
+  if (!uid) return fail(uid.failure);
+  auto session = StudySession::open(**source, *uid);
+  return session ? task(**session, *uid) : fail(session.failure);
+}
+
 void StudySession::printNotices(const std::string& told) {
   source_.printNotices();
   for (const auto& notice : store_.takeNotices()) {

@@ -2,6 +2,7 @@
 // Where studies lie, and a study opened in a workstation that has the plug-in loaded.
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -89,5 +90,10 @@ class StudySession {
   workstation::LabellingStore store_;
   std::unique_ptr<workstation::Workstation> workstation_;
 };
+
+/// Opens the one study that the folder or database holds and does the task on it; the exit status. Failures to open are
+/// printed.
+int withStudy(const std::string& study, const std::string& database,
+              const std::function<int(StudySession& session, const std::string& studyUid)>& task);
 
 }  // namespace cli
