@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "workstation/archive/ArchiveBounds.h"
+#include "workstation/archive/PropertyListMarkers.h"
 #include "workstation/archive/Utf.h"
 
 namespace workstation {
@@ -13,21 +14,6 @@ namespace {
 
 constexpr std::size_t trailerSize = 32;
 constexpr std::size_t largestNumberSize = 8;
-
-// The upper half of a marker.
-constexpr unsigned constantMarker = 0x0;
-constexpr unsigned integerMarker = 0x1;
-constexpr unsigned realMarker = 0x2;
-constexpr unsigned asciiMarker = 0x5;
-constexpr unsigned utf16Marker = 0x6;
-constexpr unsigned uidMarker = 0x8;
-constexpr unsigned arrayMarker = 0xA;
-constexpr unsigned dictionaryMarker = 0xD;
-
-constexpr std::uint8_t falseConstant = 0x08;
-constexpr std::uint8_t trueConstant = 0x09;
-/// In the lower half: the length does not fit there and follows as an integer object.
-constexpr unsigned lengthFollows = 0xF;
 
 PlistNode scalar(PlistNode::Kind kind, std::int64_t integer) {
   PlistNode node;
@@ -88,11 +74,11 @@ std::optional<PlistNode> BinaryPropertyList::node(Index index) const {
   if (offset < signature.size() || offset >= tablePosition_) return std::nullopt;
   const std::size_t position = static_cast<std::size_t>(offset);
   const std::uint8_t marker = bytes_[position];
-  const unsigned low = marker & 0xFu;
-  switch (marker >> 4) {
+  const unsigned low = lowerHalfOf(marker);
+  switch (kindOf(marker)) {
     case constantMarker:
-      if (marker == falseConstant || marker == trueConstant)
-        return scalar(PlistNode::Kind::Boolean, marker == trueConstant ? 1 : 0);
+      if (marker == falseMarker || marker == trueMarker)
+        return scalar(PlistNode::Kind::Boolean, marker == trueMarker ? 1 : 0);
       return PlistNode();
     case integerMarker:
       return integer(position + 1, low);
@@ -143,17 +129,17 @@ std::optional<PlistNode> BinaryPropertyList::uid(std::size_t position, std::size
 
 /// A text, an array or a dictionary, from behind its marker.
 std::optional<PlistNode> BinaryPropertyList::sequence(std::size_t position, std::uint8_t marker) const {
-  std::uint64_t count = marker & 0xFu;
+  std::uint64_t count = lowerHalfOf(marker);
   if (count == lengthFollows) {
-    if (!holds(position, 1, 1) || bytes_[position] >> 4 != integerMarker) return std::nullopt;
-    const std::optional<PlistNode> length = integer(position + 1, bytes_[position] & 0xFu);
+    if (!holds(position, 1, 1) || kindOf(bytes_[position]) != integerMarker) return std::nullopt;
+    const std::optional<PlistNode> length = integer(position + 1, lowerHalfOf(bytes_[position]));
     if (!length || length->kind != PlistNode::Kind::Integer || length->integer < 0) return std::nullopt;
-    position += 1 + (std::size_t{1} << (bytes_[position] & 0xFu));
+    position += 1 + (std::size_t{1} << (lowerHalfOf(bytes_[position])));
     count = static_cast<std::uint64_t>(length->integer);
   }
   PlistNode node;
   std::size_t unitSize = referenceSize_;
-  switch (marker >> 4) {
+  switch (kindOf(marker)) {
     case asciiMarker:
       node.kind = PlistNode::Kind::Text;
       unitSize = 1;

@@ -4,23 +4,12 @@
 #include <bit>
 
 #include "workstation/archive/BinaryPropertyList.h"
+#include "workstation/archive/PropertyListMarkers.h"
 #include "workstation/archive/Utf.h"
 
 namespace workstation {
 
 namespace {
-
-constexpr std::uint8_t falseMarker = 0x08;
-constexpr std::uint8_t trueMarker = 0x09;
-constexpr std::uint8_t integerMarker = 0x10;
-constexpr std::uint8_t realOf8BytesMarker = 0x23;
-constexpr std::uint8_t asciiMarker = 0x50;
-constexpr std::uint8_t utf16Marker = 0x60;
-constexpr std::uint8_t uidMarker = 0x80;
-constexpr std::uint8_t arrayMarker = 0xA0;
-constexpr std::uint8_t dictionaryMarker = 0xD0;
-/// Lengths from here on do not fit into a marker.
-constexpr std::uint8_t lengthFollows = 0x0F;
 
 void appendNumber(pelmar::Bytes& bytes, std::uint64_t value, std::size_t size) {
   for (std::size_t i = size; i-- > 0;) bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
@@ -58,7 +47,7 @@ PropertyListWriter::Index PropertyListWriter::integer(std::int64_t value) {
 }
 
 PropertyListWriter::Index PropertyListWriter::real(double value) {
-  pelmar::Bytes bytes{realOf8BytesMarker};
+  pelmar::Bytes bytes{realMarker | 3};
   appendNumber(bytes, std::bit_cast<std::uint64_t>(value), 8);
   return addScalar(std::move(bytes));
 }
