@@ -8,6 +8,8 @@
 #include <optional>
 #include <tuple>
 
+#include "workstation/dicom/Padding.h"
+
 namespace workstation {
 namespace {
 
@@ -38,12 +40,6 @@ int numberIn(std::string_view digits) {
   return number;
 }
 
-std::string_view trimmed(std::string_view text) {
-  while (!text.empty() && (text.back() == ' ' || text.back() == '\0')) text.remove_suffix(1);
-  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-  return text;
-}
-
 /// HH, HHMM, HHMMSS or HHMMSS.F to HHMMSS.FFFFFF.
 bool readTime(std::string_view text, Moment& moment) {
   const std::size_t point = text.find('.');
@@ -62,13 +58,13 @@ bool readTime(std::string_view text, Moment& moment) {
 }
 
 std::optional<Moment> momentOf(const ContentTime& content) {
-  const std::string_view date = trimmed(content.date);
+  const std::string_view date = withoutPadding(content.date);
   if (date.size() != 8 || !areDigits(date)) return std::nullopt;
   Moment moment{numberIn(date.substr(0, 4)), numberIn(date.substr(4, 2)), numberIn(date.substr(6, 2))};
   const std::chrono::year_month_day calendar(std::chrono::year(moment.year),
                                              std::chrono::month(static_cast<unsigned>(moment.month)),
                                              std::chrono::day(static_cast<unsigned>(moment.day)));
-  const std::string_view time = trimmed(content.time);
+  const std::string_view time = withoutPadding(content.time);
   if (!calendar.ok() || (!time.empty() && !readTime(time, moment))) return std::nullopt;
   return moment;
 }

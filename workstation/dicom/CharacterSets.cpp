@@ -6,6 +6,8 @@
 #include <array>
 #include <vector>
 
+#include "workstation/dicom/Padding.h"
+
 namespace workstation {
 namespace {
 
@@ -165,12 +167,6 @@ class Iso2022 {
   std::string result_;
 };
 
-std::string_view trimmed(std::string_view text) {
-  while (!text.empty() && (text.back() == ' ' || text.back() == '\0')) text.remove_suffix(1);
-  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-  return text;
-}
-
 const GraphicSet* numberedSet(std::string_view term) {
   for (const std::string_view scheme : {"ISO_IR ", "ISO 2022 IR "})
     if (term.starts_with(scheme))
@@ -185,7 +181,7 @@ std::string toUtf8(std::string_view bytes, std::string_view characterSet) {
   const bool isPlain = std::all_of(bytes.begin(), bytes.end(),
                                    [](char byte) { return static_cast<unsigned char>(byte) < 0x80 && byte != escape; });
   if (isPlain) return std::string(bytes);
-  const std::string_view first = trimmed(characterSet.substr(0, characterSet.find('\\')));
+  const std::string_view first = withoutPadding(characterSet.substr(0, characterSet.find('\\')));
   if (first == "ISO_IR 192") return converted(bytes, "UTF-8");
   if (first == "GB18030" || first == "GBK") return converted(bytes, "GB18030");
   const GraphicSet* right = numberedSet(first);

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <system_error>
 
+#include "workstation/dicom/AttributeWriter.h"
 #include "workstation/dicom/DecimalString.h"
 #include "workstation/dicom/Toolkit.h"
 
@@ -26,36 +27,7 @@ std::string joined(const std::vector<std::string>& values) {
   return text;
 }
 
-/// Puts attributes into a data set and keeps the first failure.
-class Attributes {
- public:
-  explicit Attributes(DcmDataset& dataset) : dataset_(dataset) {}
-
-  void text(const DcmTagKey& tag, const std::string& value) {
-    note(dataset_.putAndInsertOFStringArray(tag, OFString(value.c_str(), value.size())), tag);
-  }
-  void number(const DcmTagKey& tag, double value) { text(tag, decimalString(value)); }
-  void integer(const DcmTagKey& tag, int value) { text(tag, std::to_string(value)); }
-  void shortInteger(const DcmTagKey& tag, int value) {
-    note(dataset_.putAndInsertUint16(tag, static_cast<Uint16>(value)), tag);
-  }
-  void words(const DcmTagKey& tag, const std::vector<std::int16_t>& values) {
-    std::vector<Uint16> bits(values.begin(), values.end());
-    note(dataset_.putAndInsertUint16Array(tag, bits.data(), bits.size()), tag);
-  }
-  const std::string& problem() const { return problem_; }
-
- private:
-  void note(const OFCondition& outcome, const DcmTagKey& tag) {
-    if (outcome.good() || !problem_.empty()) return;
-    problem_ = std::string(DcmTag(tag).getTagName()) + " could not be encoded (" + outcome.text() + ")";
-  }
-
-  DcmDataset& dataset_;
-  std::string problem_;
-};
-
-void putPatientAndStudy(const ImageToWrite& image, Attributes& attributes) {
+void putPatientAndStudy(const ImageToWrite& image, AttributeWriter& attributes) {
   attributes.text(DCM_SpecificCharacterSet, "ISO_IR 192");
   attributes.text(DCM_PatientName, image.patientName);
   attributes.text(DCM_PatientID, image.patientId);
@@ -70,7 +42,7 @@ void putPatientAndStudy(const ImageToWrite& image, Attributes& attributes) {
   if (image.studyDescription) attributes.text(DCM_StudyDescription, *image.studyDescription);
 }
 
-void putSeries(const ImageToWrite& image, Attributes& attributes) {
+void putSeries(const ImageToWrite& image, AttributeWriter& attributes) {
   attributes.text(DCM_Modality, image.kind == ImageKind::MR ? "MR" : "CT");
   attributes.text(DCM_SeriesInstanceUID, image.seriesInstanceUid);
   attributes.integer(DCM_SeriesNumber, image.seriesNumber);
@@ -86,7 +58,7 @@ void putSeries(const ImageToWrite& image, Attributes& attributes) {
   attributes.text(DCM_PositionReferenceIndicator, "");
 }
 
-void putPlane(const ImageToWrite& image, Attributes& attributes) {
+void putPlane(const ImageToWrite& image, AttributeWriter& attributes) {
   const ImageGeometry& plane = image.geometry;
   attributes.text(DCM_ImagePositionPatient, decimalStrings(plane.position));
   attributes.text(DCM_ImageOrientationPatient, decimalStrings(plane.row) + "\\" + decimalStrings(plane.column));
@@ -95,7 +67,7 @@ void putPlane(const ImageToWrite& image, Attributes& attributes) {
   if (image.spacingBetweenSlicesMm > 0) attributes.number(DCM_SpacingBetweenSlices, image.spacingBetweenSlicesMm);
 }
 
-void putAcquisition(const ImageToWrite& image, Attributes& attributes) {
+void putAcquisition(const ImageToWrite& image, AttributeWriter& attributes) {
   const bool isMr = image.kind == ImageKind::MR;
   const std::vector<std::string> usual = {"ORIGINAL", "PRIMARY", isMr ? "OTHER" : "AXIAL"};
   attributes.text(DCM_ImageType, joined(image.imageType.empty() ? usual : image.imageType));
@@ -121,11 +93,11 @@ void putAcquisition(const ImageToWrite& image, Attributes& attributes) {
   }
 }
 
-void putPixels(const ImageToWrite& image, Attributes& attributes) {
+void putPixels(const ImageToWrite& image, AttributeWriter& attributes) {
   attributes.shortInteger(DCM_SamplesPerPixel, 1);
   attributes.text(DCM_PhotometricInterpretation, "MONOCHROME2");
-  attributes.shortInteger(DCM_Rows, image.rows);
-  attributes.shortInteger(DCM_Columns, image.columns);
+  attributes.shortInteger(DCM_Rows, static_cast<Uint16>(image.rows));
+  attributes.shortInteger(DCM_Columns, static_cast<Uint16>(image.columns));
   attributes.shortInteger(DCM_BitsAllocated, 16);
   attributes.shortInteger(DCM_BitsStored, 16);
   attributes.shortInteger(DCM_HighBit, 15);
@@ -171,7 +143,7 @@ bool writeImage(const ImageToWrite& image, const std::filesystem::path& file, st
   std::string reason = problemOf(image);
   if (reason.empty()) {
     DcmFileFormat format;
-    Attributes attributes(*format.getDataset());
+    AttributeWriter attributes(*format.getDataset());
     putPatientAndStudy(image, attributes);
     putSeries(image, attributes);
     putAcquisition(image, attributes);

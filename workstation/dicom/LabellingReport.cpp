@@ -9,6 +9,7 @@
 #include <array>
 #include <cctype>
 
+#include "workstation/dicom/AttributeWriter.h"
 #include "workstation/dicom/Attributes.h"
 #include "workstation/dicom/ParsedFile.h"
 #include "workstation/dicom/PrivateBlock.h"
@@ -32,34 +33,6 @@ const std::array optionalTags = {DCM_SpecificCharacterSet,  DCM_TimezoneOffsetFr
                                  DCM_DeidentificationMethod};
 const std::array optionalSequences = {DCM_DeidentificationMethodCodeSequence, DCM_IssuerOfPatientIDQualifiersSequence,
                                       DCM_IssuerOfAccessionNumberSequence, DCM_OtherPatientIDsSequence};
-
-/// Puts attributes into an item and remembers the first failure.
-class Writer {
- public:
-  explicit Writer(DcmItem& item) : item_(item) {}
-
-  void text(const DcmTagKey& tag, std::string_view value) {
-    note(item_.putAndInsertOFStringArray(tag, OFString(value.data(), value.size())), tag);
-  }
-  void shortInteger(const DcmTagKey& tag, std::uint16_t value) { note(item_.putAndInsertUint16(tag, value), tag); }
-  /// Takes the element.
-  void element(DcmElement* element) { note(item_.insert(element, OFTrue), element->getTag()); }
-  /// A new last item of a sequence, which is made when it is missing.
-  DcmItem* newItem(const DcmTagKey& sequence) {
-    DcmItem* item = nullptr;
-    note(item_.findOrCreateSequenceItem(sequence, item, -2), sequence);
-    return item;
-  }
-  void note(const OFCondition& outcome, const DcmTagKey& tag) {
-    if (outcome.bad() && problem_.empty())
-      problem_ = std::string(DcmTag(tag).getTagName()) + " could not be encoded (" + outcome.text() + ")";
-  }
-  const std::string& problem() const { return problem_; }
-
- private:
-  DcmItem& item_;
-  std::string problem_;
-};
 
 bool isUid(std::string_view text) {
   const auto allowed = [](char c) { return c == '.' || std::isdigit(static_cast<unsigned char>(c)); };
@@ -86,7 +59,7 @@ std::string problemOf(const ReportToWrite& report) {
 
 /// The bytes of the values stay as they are, and so does the character set that says how to read them. What a report
 /// says besides is in the default repertoire, which every character set contains.
-void copyPatientAndStudy(DcmItem& image, Writer& writer) {
+void copyPatientAndStudy(DcmItem& image, AttributeWriter& writer) {
   const Attributes attributes(image);
   for (const DcmTagKey& tag : requiredTags) writer.text(tag, attributes.bytes(tag).value_or(""));
   for (const DcmTagKey& tag : optionalTags)
@@ -98,7 +71,7 @@ void copyPatientAndStudy(DcmItem& image, Writer& writer) {
   }
 }
 
-void putOwnAttributes(const ReportToWrite& report, Writer& writer) {
+void putOwnAttributes(const ReportToWrite& report, AttributeWriter& writer) {
   writer.text(DCM_SOPInstanceUID, report.sopInstanceUid);
   writer.text(DCM_SeriesInstanceUID, report.seriesInstanceUid);
   writer.text(DCM_SeriesNumber, std::to_string(report.seriesNumber));
@@ -117,7 +90,7 @@ DcmTag blockTag(std::uint16_t element, DcmEVR representation) {
 }
 
 /// The block, and the declaration that whoever de-identifies the report may keep it (PS3.3 C.12.1.1.7, PS3.15 E.3.10).
-void putPrivateBlock(const ReportToWrite& report, Writer& writer) {
+void putPrivateBlock(const ReportToWrite& report, AttributeWriter& writer) {
   const OFString creator(blockCreator.data(), blockCreator.size());
   auto* creatorElement = new DcmLongString(DcmTag(blockGroup, 0x0010, DcmVR(EVR_LO)));
   creatorElement->putOFStringArray(creator);
@@ -131,7 +104,7 @@ void putPrivateBlock(const ReportToWrite& report, Writer& writer) {
 
   DcmItem* declaration = writer.newItem(DCM_PrivateDataElementCharacteristicsSequence);
   if (declaration == nullptr) return;
-  Writer declared(*declaration);
+  AttributeWriter declared(*declaration);
   declared.shortInteger(DCM_PrivateGroupReference, blockGroup);
   declared.text(DCM_PrivateCreatorReference, blockCreator);
   declared.text(DCM_BlockIdentifyingInformationStatus, "SAFE");
@@ -209,7 +182,7 @@ Result<pelmar::Bytes> encodeReport(const ReportToWrite& report) {
   DcmDataset& dataset = *format.getDataset();
   const OFCondition outcome = writeDocument(report, studyUid, tree, dataset);
   if (outcome.bad()) return refused(std::string("its content could not be encoded (") + outcome.text() + ")");
-  Writer writer(dataset);
+  AttributeWriter writer(dataset);
   copyPatientAndStudy(image.dataset(), writer);
   putOwnAttributes(report, writer);
   putPrivateBlock(report, writer);
