@@ -4,6 +4,7 @@
 #include "display/SliceName.h"
 #include "geometry/DCMPixVertana.h"
 #include "geometry/SegmentPlane.h"
+#include "geometry/Vectors.h"
 #include "plugin/VertanaFilter.h"
 
 namespace vertana {
@@ -25,8 +26,6 @@ constexpr double distanceFromTop = 40.0;  // points from the view's top edge
 Vector3f vectorOf(const Ref<Point3D>& point) {
   return {static_cast<float>(point->x()), static_cast<float>(point->y()), static_cast<float>(point->z())};
 }
-
-Vector3f difference(const Vector3f& a, const Vector3f& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 
 /// The slice's plane: the patient position of its centre and its normal.
 struct SlicePlane {

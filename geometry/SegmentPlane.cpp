@@ -2,13 +2,13 @@
 
 #include <cmath>
 
+#include "geometry/Vectors.h"
+
 namespace vertana {
 
 using pelmar::Vector3f;
 
 namespace {
-
-Vector3f difference(const Vector3f& a, const Vector3f& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
 
 float dot(const Vector3f& a, const Vector3f& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 

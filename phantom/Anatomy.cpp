@@ -10,7 +10,7 @@
 namespace phantom {
 namespace {
 
-constexpr double stationMm = 0.5;
+constexpr double sectionStepMm = 0.5;
 constexpr double lastCordOrder = 19.4;  // from here the cord tapers to the conus
 
 // Typical adult sizes; between the rows they change evenly. The cord has its two enlargements, the canal is widest in
@@ -96,9 +96,9 @@ Anatomy::Anatomy(const SpineShape& shape, std::uint64_t seed) : shape_(&shape) {
 
   Random random(scatter(seed) ^ 0x616e61746f6d79ULL);
   const double conusOrder = random.uniform(19.9, 20.7);
-  const auto count = static_cast<std::size_t>(shape.length() / stationMm) + 1;
+  const auto count = static_cast<std::size_t>(shape.length() / sectionStepMm) + 1;
   for (std::size_t i = 0; i < count; ++i) {
-    const double along = static_cast<double>(i) * stationMm;
+    const double along = static_cast<double>(i) * sectionStepMm;
     const auto next =
         std::clamp(std::ranges::upper_bound(places, along, {}, &Place::along), places.begin() + 1, places.end() - 1);
     const Place& a = *(next - 1);
@@ -118,7 +118,7 @@ Anatomy::Anatomy(const SpineShape& shape, std::uint64_t seed) : shape_(&shape) {
 }
 
 std::size_t Anatomy::stationAt(double along) const {
-  const double position = std::clamp(along / stationMm, 0.0, static_cast<double>(sections_.size() - 1));
+  const double position = std::clamp(along / sectionStepMm, 0.0, static_cast<double>(sections_.size() - 1));
   return static_cast<std::size_t>(position);
 }
 

@@ -50,7 +50,7 @@ class Anatomy {
   std::size_t stationAt(double along) const;
 
   const SpineShape* shape_;
-  std::vector<Section> sections_;          ///< every stationMm along the line
+  std::vector<Section> sections_;          ///< every sectionStepMm along the line
   std::vector<unsigned char> levelIndex_;  ///< the same
   std::vector<DiscLook> discs_;            ///< one a level, unused for vertebrae
 };

@@ -12,7 +12,7 @@
 namespace phantom {
 namespace {
 
-constexpr double stepMm = 0.5;
+constexpr double pointStepMm = 0.5;
 constexpr double radiansPerDegree = std::numbers::pi / 180.0;
 
 /// A vertebra with the disc below it. Typical adult heights, mm; a disc of 0 means that the bodies are fused.
@@ -143,10 +143,10 @@ Vec3 SpineShape::tangent(double along) const {
 }
 
 void SpineShape::sample() {
-  const auto steps = static_cast<std::size_t>(std::ceil(length_ / stepMm));
+  const auto steps = static_cast<std::size_t>(std::ceil(length_ / pointStepMm));
   points_.assign(1, Vec3{});
   for (std::size_t i = 0; i < steps; ++i) {
-    points_.push_back(points_.back() + stepMm * tangent((static_cast<double>(i) + 0.5) * stepMm));
+    points_.push_back(points_.back() + pointStepMm * tangent((static_cast<double>(i) + 0.5) * pointStepMm));
   }
 }
 
@@ -161,7 +161,7 @@ void SpineShape::moveToOrigin(std::uint64_t seed) {
 }
 
 Vec3 SpineShape::point(double along) const {
-  const double position = std::clamp(along, 0.0, length_) / stepMm;
+  const double position = std::clamp(along, 0.0, length_) / pointStepMm;
   const auto i = std::min(static_cast<std::size_t>(position), points_.size() - 2);
   return points_[i] + (position - static_cast<double>(i)) * (points_[i + 1] - points_[i]);
 }
@@ -179,7 +179,7 @@ std::optional<double> SpineShape::crossing(Vec3 onPlane, Vec3 normal) const {
     const double after = dot(points_[i + 1] - onPlane, normal);
     const bool crosses = (before <= 0) != (after <= 0);
     if (crosses) {
-      const double along = std::min((static_cast<double>(i) + before / (before - after)) * stepMm, length_);
+      const double along = std::min((static_cast<double>(i) + before / (before - after)) * pointStepMm, length_);
       const double distance = phantom::length(point(along) - onPlane);
       if (!best || distance < bestDistance) {
         best = along;

@@ -71,7 +71,7 @@ class SpineShape {
   double scoliosisAngle_ = 0;
   double scoliosisWaveMm_ = 1;
   double scoliosisPhase_ = 0;
-  std::vector<Vec3> points_;  ///< every stepMm along the line
+  std::vector<Vec3> points_;  ///< every pointStepMm along the line
 };
 
 }  // namespace phantom

@@ -29,18 +29,18 @@ TEST(UnitVector, equalPointsGiveNoFiniteVector) {
   EXPECT_FALSE(std::isfinite(unit.y));
 }
 
-struct Row {
+struct TraceRow {
   std::string name;
   PixelPoint alongNormal;  ///< from the plane's point
   double spacingXMm;
   PixelPoint firstFromPoint;  ///< the second end lies opposite
-  friend std::ostream& operator<<(std::ostream& out, const Row& row) { return out << row.name; }
+  friend std::ostream& operator<<(std::ostream& out, const TraceRow& row) { return out << row.name; }
 };
 
-class PlaneTraceEnds : public ::testing::TestWithParam<Row> {};
+class PlaneTraceEnds : public ::testing::TestWithParam<TraceRow> {};
 
 TEST_P(PlaneTraceEnds, lieOnBothSidesOfThePoint) {
-  const Row& row = GetParam();
+  const TraceRow& row = GetParam();
   const PixelPoint point{100, 200};
   const auto trace = planeTrace(point, {100 + row.alongNormal.x, 200 + row.alongNormal.y}, row.spacingXMm);
   EXPECT_NEAR(trace.first.x, 100 + row.firstFromPoint.x, 1e-9);
@@ -51,15 +51,15 @@ TEST_P(PlaneTraceEnds, lieOnBothSidesOfThePoint) {
 
 // Half the length is 15 mm; the perpendicular of (dx, dy) is (dy, -dx).
 INSTANTIATE_TEST_SUITE_P(Directions, PlaneTraceEnds,
-                         ::testing::Values(Row{"NormalDownFirstEndOnTheRight", {0, 1}, 0.5, {30, 0}},
-                                           Row{"NormalUpFirstEndOnTheLeft", {0, -1}, 0.5, {-30, 0}},
-                                           Row{"NormalToTheRightFirstEndAbove", {1, 0}, 0.5, {0, -30}},
-                                           Row{"NormalToTheLeftFirstEndBelow", {-1, 0}, 0.5, {0, 30}},
-                                           Row{"LengthOfTheNormalDoesNotMatter", {0, 8}, 0.5, {30, 0}},
-                                           Row{"OneMillimetreAPixel", {0, 1}, 1, {15, 0}},
-                                           Row{"TwoMillimetresAPixel", {0, 1}, 2, {7.5, 0}},
+                         ::testing::Values(TraceRow{"NormalDownFirstEndOnTheRight", {0, 1}, 0.5, {30, 0}},
+                                           TraceRow{"NormalUpFirstEndOnTheLeft", {0, -1}, 0.5, {-30, 0}},
+                                           TraceRow{"NormalToTheRightFirstEndAbove", {1, 0}, 0.5, {0, -30}},
+                                           TraceRow{"NormalToTheLeftFirstEndBelow", {-1, 0}, 0.5, {0, 30}},
+                                           TraceRow{"LengthOfTheNormalDoesNotMatter", {0, 8}, 0.5, {30, 0}},
+                                           TraceRow{"OneMillimetreAPixel", {0, 1}, 1, {15, 0}},
+                                           TraceRow{"TwoMillimetresAPixel", {0, 1}, 2, {7.5, 0}},
                                            // (0.8, -0.6) times 15
-                                           Row{"Oblique", {3, 4}, 1, {12, -9}}),
+                                           TraceRow{"Oblique", {3, 4}, 1, {12, -9}}),
                          [](const auto& tested) { return tested.param.name; });
 
 TEST(PlaneTrace, lengthInPixelsIsRoundedToSinglePrecision) {

@@ -12,7 +12,7 @@ namespace {
 
 using pelmar::Vector3f;
 
-struct Row {
+struct CrossingRow {
   std::string name;
   Vector3f start;
   Vector3f end;
@@ -22,10 +22,10 @@ struct Row {
   std::optional<Vector3f> crossing;  ///< absent: the output is left untouched
 };
 
-std::ostream& operator<<(std::ostream& out, const Row& row) { return out << row.name; }
+std::ostream& operator<<(std::ostream& out, const CrossingRow& row) { return out << row.name; }
 
 /// The row's name in letters, digits and underscores.
-std::string rowName(const ::testing::TestParamInfo<Row>& tested) {
+std::string rowName(const ::testing::TestParamInfo<CrossingRow>& tested) {
   std::string name = tested.param.name;
   for (char& c : name) {
     if (std::isalnum(static_cast<unsigned char>(c)) == 0) c = '_';
@@ -33,10 +33,10 @@ std::string rowName(const ::testing::TestParamInfo<Row>& tested) {
   return name;
 }
 
-class SegmentPlane : public ::testing::TestWithParam<Row> {};
+class SegmentPlane : public ::testing::TestWithParam<CrossingRow> {};
 
 TEST_P(SegmentPlane, givesSideAndCrossing) {
-  const Row& row = GetParam();
+  const CrossingRow& row = GetParam();
   Vector3f out{7, 8, 9};
   EXPECT_EQ(intersect3D_SegmentPlane(&row.start, &row.end, &row.normal, &row.planePoint, &out), row.code);
   const Vector3f expected = row.crossing.value_or(Vector3f{7, 8, 9});
@@ -51,42 +51,44 @@ constexpr Vector3f origin{0, 0, 0};
 INSTANTIATE_TEST_SUITE_P(
     Hits, SegmentPlane,
     ::testing::Values(
-        Row{"along the normal", {3, 4, -1}, {3, 4, 1}, up, origin, 1, Vector3f{3, 4, 0}},
-        Row{"against the normal", {3, 4, 1}, {3, 4, -1}, up, origin, 2, Vector3f{3, 4, 0}},
+        CrossingRow{"along the normal", {3, 4, -1}, {3, 4, 1}, up, origin, 1, Vector3f{3, 4, 0}},
+        CrossingRow{"against the normal", {3, 4, 1}, {3, 4, -1}, up, origin, 2, Vector3f{3, 4, 0}},
         // u = (4, 8, 2), D = 12, start - point = (-3, -3, -5), N = 6, s = 1/2.
-        Row{"oblique plane that does not pass through the origin",
-            {0, 0, 0},
-            {4, 8, 2},
-            {1, 1, 0},
-            {3, 3, 5},
-            1,
-            Vector3f{2, 4, 1}},
-        Row{"a quarter of the way", {0, 0, -1}, {8, 0, 3}, up, origin, 1, Vector3f{2, 0, 0}},
-        Row{"ends on the plane, along the normal", {1, 2, -4}, {5, 6, 0}, up, origin, 1, Vector3f{5, 6, 0}},
-        Row{"ends on the plane, against the normal", {1, 2, 4}, {5, 6, 0}, up, origin, 2, Vector3f{5, 6, 0}},
-        Row{"starts on the plane, along the normal", {1, 2, 0}, {5, 6, 4}, up, origin, 1, Vector3f{1, 2, 0}},
-        Row{"starts on the plane, against the normal", {1, 2, 0}, {5, 6, -4}, up, origin, 2, Vector3f{1, 2, 0}},
-        Row{"normal a thousand times as long", {3, 4, -1}, {3, 4, 1}, {0, 0, 1000}, origin, 1, Vector3f{3, 4, 0}},
-        Row{"normal a thousandth as long", {3, 4, -1}, {3, 4, 1}, {0, 0, 0.001F}, origin, 1, Vector3f{3, 4, 0}},
-        Row{"normal the other way round", {3, 4, -1}, {3, 4, 1}, {0, 0, -2}, origin, 2, Vector3f{3, 4, 0}}),
+        CrossingRow{"oblique plane that does not pass through the origin",
+                    {0, 0, 0},
+                    {4, 8, 2},
+                    {1, 1, 0},
+                    {3, 3, 5},
+                    1,
+                    Vector3f{2, 4, 1}},
+        CrossingRow{"a quarter of the way", {0, 0, -1}, {8, 0, 3}, up, origin, 1, Vector3f{2, 0, 0}},
+        CrossingRow{"ends on the plane, along the normal", {1, 2, -4}, {5, 6, 0}, up, origin, 1, Vector3f{5, 6, 0}},
+        CrossingRow{"ends on the plane, against the normal", {1, 2, 4}, {5, 6, 0}, up, origin, 2, Vector3f{5, 6, 0}},
+        CrossingRow{"starts on the plane, along the normal", {1, 2, 0}, {5, 6, 4}, up, origin, 1, Vector3f{1, 2, 0}},
+        CrossingRow{"starts on the plane, against the normal", {1, 2, 0}, {5, 6, -4}, up, origin, 2, Vector3f{1, 2, 0}},
+        CrossingRow{
+            "normal a thousand times as long", {3, 4, -1}, {3, 4, 1}, {0, 0, 1000}, origin, 1, Vector3f{3, 4, 0}},
+        CrossingRow{"normal a thousandth as long", {3, 4, -1}, {3, 4, 1}, {0, 0, 0.001F}, origin, 1, Vector3f{3, 4, 0}},
+        CrossingRow{"normal the other way round", {3, 4, -1}, {3, 4, 1}, {0, 0, -2}, origin, 2, Vector3f{3, 4, 0}}),
     rowName);
 
 INSTANTIATE_TEST_SUITE_P(
     Misses, SegmentPlane,
     ::testing::Values(
-        Row{"stops short of the plane", {0, 0, -4}, {0, 0, -0.5F}, up, origin, 0, {}},
+        CrossingRow{"stops short of the plane", {0, 0, -4}, {0, 0, -0.5F}, up, origin, 0, {}},
         // s = 1 / 0.999999: above 1 by a millionth.
-        Row{"stops a millionth short", {0, 0, -1}, {0, 0, -1e-6F}, up, origin, 0, {}},
-        Row{"starts beyond the plane", {0, 0, 0.5F}, {0, 0, 4}, up, origin, 0, {}},
-        Row{"starts a millionth beyond", {0, 0, 1e-6F}, {0, 0, 1}, up, origin, 0, {}},
-        Row{"against the normal, stops short", {0, 0, 4}, {0, 0, 0.5F}, up, origin, 0, {}},
-        Row{"parallel beside the plane", {0, 0, 1}, {5, 5, 1}, up, origin, 0, {}},
-        Row{"lies in the plane", {0, 0, 0}, {5, 5, 0}, up, origin, 0, {}},
-        Row{"zero length, on the plane", {1, 1, 0}, {1, 1, 0}, up, origin, 0, {}},
-        Row{"zero length, off the plane", {1, 1, 3}, {1, 1, 3}, up, origin, 0, {}},
-        Row{"n . u of 9.9e-09 counts as parallel", {0, 0, -0.5F}, {0, 0, 0.5F}, {0, 0, 9.9e-9F}, origin, 0, {}},
-        Row{"n . u of -9.9e-09 counts as parallel", {0, 0, 0.5F}, {0, 0, -0.5F}, {0, 0, 9.9e-9F}, origin, 0, {}},
-        Row{"n . u of 9.9e-09 in the plane", {1, 0, 0}, {0, 0, 0}, {9.9e-9F, 0, 1}, origin, 0, {}}),
+        CrossingRow{"stops a millionth short", {0, 0, -1}, {0, 0, -1e-6F}, up, origin, 0, {}},
+        CrossingRow{"starts beyond the plane", {0, 0, 0.5F}, {0, 0, 4}, up, origin, 0, {}},
+        CrossingRow{"starts a millionth beyond", {0, 0, 1e-6F}, {0, 0, 1}, up, origin, 0, {}},
+        CrossingRow{"against the normal, stops short", {0, 0, 4}, {0, 0, 0.5F}, up, origin, 0, {}},
+        CrossingRow{"parallel beside the plane", {0, 0, 1}, {5, 5, 1}, up, origin, 0, {}},
+        CrossingRow{"lies in the plane", {0, 0, 0}, {5, 5, 0}, up, origin, 0, {}},
+        CrossingRow{"zero length, on the plane", {1, 1, 0}, {1, 1, 0}, up, origin, 0, {}},
+        CrossingRow{"zero length, off the plane", {1, 1, 3}, {1, 1, 3}, up, origin, 0, {}},
+        CrossingRow{"n . u of 9.9e-09 counts as parallel", {0, 0, -0.5F}, {0, 0, 0.5F}, {0, 0, 9.9e-9F}, origin, 0, {}},
+        CrossingRow{
+            "n . u of -9.9e-09 counts as parallel", {0, 0, 0.5F}, {0, 0, -0.5F}, {0, 0, 9.9e-9F}, origin, 0, {}},
+        CrossingRow{"n . u of 9.9e-09 in the plane", {1, 0, 0}, {0, 0, 0}, {9.9e-9F, 0, 1}, origin, 0, {}}),
     rowName);
 
 TEST(SegmentPlanePrecision, parallelThresholdIsComparedInDoublePrecision) {
