@@ -5,6 +5,7 @@
 
 #include "workstation/database/LabellingStoreInterior.h"
 #include "workstation/database/ReportRules.h"
+#include "workstation/model/StoredObjects.h"
 
 namespace workstation {
 namespace {
@@ -148,9 +149,9 @@ Ref<pelmar::DicomImage> LabellingStore::report(const std::string& studyUid, long
   interior_->dropHeld(studyUid);
   const auto there = interior_->shelf_.labellings(studyUid);
   interior_->noticeProblems(there);
-  if (const MadeReport* unsaved = interior_->unsaved(studyUid)) return makeReportImage(unsaved->path);
+  if (const MadeReport* unsaved = interior_->unsaved(studyUid)) return makeStoredImage(unsaved->path);
   const ShelvedReport* counting = countingReport(there);
-  return counting ? makeReportImage(counting->file.string()) : Ref<pelmar::DicomImage>();
+  return counting ? makeStoredImage(counting->file.string()) : Ref<pelmar::DicomImage>();
 }
 
 bool LabellingStore::holdsInMemory(const std::string& path) const {

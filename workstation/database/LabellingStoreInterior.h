@@ -116,7 +116,6 @@ class LabellingStore::Interior {
 pelmar::Ref<pelmar::BrowserController> makeBrowser(LabellingStore::Interior& store);
 std::unique_ptr<pelmar::SRAnnotationClass> makeAnnotationClass(LabellingStore::Interior& store);
 pelmar::Ref<pelmar::PersistentStore> makeStore(const std::string& studyUid);
-pelmar::Ref<pelmar::DicomImage> makeReportImage(std::string path);
 pelmar::Ref<pelmar::DicomSeries> makeReportSeries(const ReportSeries& series);
 
 }  // namespace workstation

@@ -1,5 +1,6 @@
 // The database, its records and its reports, as the plug-in sees them.
 #include "workstation/database/LabellingStoreInterior.h"
+#include "workstation/model/StoredObjects.h"
 
 namespace workstation {
 namespace {
@@ -110,33 +111,6 @@ class Annotations final : public pelmar::SRAnnotationClass {
   Interior& store_;
 };
 
-class ReportImage final : public pelmar::DicomImage {
- public:
-  explicit ReportImage(std::string path) : path_(std::move(path)) {}
-  std::optional<std::string> completePathResolved() const override { return path_; }
-
- private:
-  std::string path_;
-};
-
-class SeriesOfReports final : public pelmar::DicomSeries {
- public:
-  explicit SeriesOfReports(const ReportSeries& series)
-      : uid_(series.seriesInstanceUid), number_(series.seriesNumber), name_(series.description) {
-    for (const auto& file : series.files) images_.push_back(makeReportImage(file.string()));
-  }
-  std::optional<std::string> name() const override { return name_; }
-  long id() const override { return number_; }
-  std::optional<std::string> seriesDICOMUID() const override { return uid_; }
-  std::optional<std::vector<Ref<pelmar::DicomImage>>> images() const override { return images_; }
-
- private:
-  std::string uid_;
-  long number_;
-  std::string name_;
-  std::vector<Ref<pelmar::DicomImage>> images_;
-};
-
 }  // namespace
 
 Ref<pelmar::BrowserController> makeBrowser(Interior& store) { return pelmar::makeRef<Browser>(store); }
@@ -144,9 +118,9 @@ std::unique_ptr<pelmar::SRAnnotationClass> makeAnnotationClass(Interior& store) 
   return std::make_unique<Annotations>(store);
 }
 Ref<pelmar::PersistentStore> makeStore(const std::string& studyUid) { return pelmar::makeRef<StoreOfStudy>(studyUid); }
-Ref<pelmar::DicomImage> makeReportImage(std::string path) { return pelmar::makeRef<ReportImage>(std::move(path)); }
 Ref<pelmar::DicomSeries> makeReportSeries(const ReportSeries& series) {
-  return pelmar::makeRef<SeriesOfReports>(series);
+  return makeStoredSeries(
+      {series.seriesInstanceUid, series.seriesNumber, series.description, {series.files.begin(), series.files.end()}});
 }
 
 }  // namespace workstation

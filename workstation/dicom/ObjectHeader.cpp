@@ -3,7 +3,7 @@
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dctk.h>
 
-#include "workstation/dicom/Attributes.h"
+#include "workstation/dicom/Identity.h"
 #include "workstation/dicom/ParsedFile.h"
 
 namespace workstation {
@@ -19,18 +19,7 @@ std::optional<ObjectHeader> readObjectHeader(const std::filesystem::path& file, 
   if (!parsed.parse(file, problem)) return std::nullopt;
   const Attributes attributes(parsed.dataset());
   ObjectHeader header;
-  header.patientName = attributes.text(DCM_PatientName).value_or("");
-  header.patientId = attributes.text(DCM_PatientID).value_or("");
-  header.studyInstanceUid = attributes.code(DCM_StudyInstanceUID);
-  header.studyDescription = attributes.text(DCM_StudyDescription);
-  header.studyDate = attributes.code(DCM_StudyDate);
-  header.seriesInstanceUid = attributes.code(DCM_SeriesInstanceUID);
-  header.seriesNumber = attributes.integer(DCM_SeriesNumber);
-  header.seriesDescription = attributes.text(DCM_SeriesDescription).value_or("");
-  header.modality = attributes.code(DCM_Modality);
-  header.sopClassUid = attributes.code(DCM_SOPClassUID);
-  header.sopInstanceUid = attributes.code(DCM_SOPInstanceUID);
-  header.instanceNumber = attributes.integer(DCM_InstanceNumber);
+  readIdentity(attributes, header);
   header.contentDate = attributes.code(DCM_ContentDate);
   header.contentTime = attributes.code(DCM_ContentTime);
   return header;

@@ -13,6 +13,7 @@
 #include "workstation/dicom/FileSignature.h"
 #include "workstation/dicom/FileWalk.h"
 #include "workstation/dicom/FrameGroups.h"
+#include "workstation/dicom/Identity.h"
 #include "workstation/dicom/ImageLayout.h"
 #include "workstation/dicom/ParsedFile.h"
 #include "workstation/dicom/Toolkit.h"
@@ -54,19 +55,8 @@ bool isImage(DcmDataset& dataset) {
 /// and studies apart is missing.
 bool readCommon(DcmDataset& dataset, ImageRecord& record, std::string& problem) {
   const Attributes attributes(dataset);
-  record.sopClassUid = attributes.code(DCM_SOPClassUID);
-  record.sopInstanceUid = attributes.code(DCM_SOPInstanceUID);
-  record.instanceNumber = attributes.integer(DCM_InstanceNumber);
+  readIdentity(attributes, record);
   record.imageType = attributes.codes(DCM_ImageType);
-  record.studyInstanceUid = attributes.code(DCM_StudyInstanceUID);
-  record.studyDescription = attributes.text(DCM_StudyDescription);
-  record.studyDate = attributes.code(DCM_StudyDate);
-  record.patientName = attributes.text(DCM_PatientName).value_or("");
-  record.patientId = attributes.text(DCM_PatientID).value_or("");
-  record.seriesInstanceUid = attributes.code(DCM_SeriesInstanceUID);
-  record.seriesNumber = attributes.integer(DCM_SeriesNumber);
-  record.seriesDescription = attributes.text(DCM_SeriesDescription).value_or("");
-  record.modality = attributes.code(DCM_Modality);
   record.bodyPartExamined = attributes.text(DCM_BodyPartExamined);
   record.frameOfReferenceUid = attributes.code(DCM_FrameOfReferenceUID);
   if (record.sopInstanceUid.empty()) problem = "it has no SOP Instance UID";

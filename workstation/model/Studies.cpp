@@ -1,5 +1,6 @@
 #include "workstation/model/Studies.h"
 
+#include "workstation/model/StoredObjects.h"
 #include "workstation/model/Workstation.h"
 
 namespace workstation {
@@ -24,36 +25,17 @@ class StudyIdentity final : public pelmar::ObjectID {
   StudyReports* reports_;
 };
 
-class StoredImage final : public pelmar::DicomImage {
- public:
-  explicit StoredImage(std::string path) : path_(std::move(path)) {}
-  std::optional<std::string> completePathResolved() const override { return path_; }
-
- private:
-  std::string path_;
-};
-
-class StoredSeries final : public pelmar::DicomSeries {
- public:
-  explicit StoredSeries(const Series& series) : uid_(series.uid), number_(series.number.value_or(0)) {
-    if (!series.description.empty()) name_ = series.description;
-    std::set<std::string> paths;  // one image a file, also where a file has many frames
-    for (const Stack& stack : series.stacks) {
-      for (const ImageRecord& slice : stack.slices) paths.insert(slice.file.string());
-    }
-    for (const std::string& path : paths) images_.push_back(pelmar::makeRef<StoredImage>(path));
+/// One object a file, also where a file has many frames.
+Ref<pelmar::DicomSeries> objectOf(const Series& series) {
+  std::set<std::string> paths;
+  for (const Stack& stack : series.stacks) {
+    for (const ImageRecord& slice : stack.slices) paths.insert(slice.file.string());
   }
-  std::optional<std::string> name() const override { return name_; }
-  long id() const override { return number_; }
-  std::optional<std::string> seriesDICOMUID() const override { return uid_; }
-  std::optional<std::vector<Ref<pelmar::DicomImage>>> images() const override { return images_; }
-
- private:
-  std::string uid_;
-  long number_ = 0;
-  std::optional<std::string> name_;
-  std::vector<Ref<pelmar::DicomImage>> images_;
-};
+  return makeStoredSeries({series.uid,
+                           series.number.value_or(0),
+                           series.description.empty() ? std::nullopt : std::optional(series.description),
+                           {paths.begin(), paths.end()}});
+}
 
 }  // namespace
 
@@ -62,7 +44,7 @@ StudyObject::StudyObject(Study study, StudyReports* reports, const std::set<pelm
       reports_(reports),
       lacking_(lacking),
       identity_(pelmar::makeRef<StudyIdentity>(study_->uid, reports)) {
-  for (const Series& one : study_->series) series_.push_back(pelmar::makeRef<StoredSeries>(one));
+  for (const Series& one : study_->series) series_.push_back(objectOf(one));
 }
 
 std::shared_ptr<StudyObject::SliceList> StudyObject::slices(std::size_t seriesIndex, std::size_t stackIndex) {

@@ -2,18 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/workstation/render/GreyPixels.h"
+
 namespace workstation::test {
 namespace {
 
 using Levels = std::vector<int>;
-
-PixelData greyPixels(std::vector<std::int32_t> samples) {
-  PixelData pixels;
-  pixels.rows = 1;
-  pixels.columns = static_cast<int>(samples.size());
-  pixels.samples = std::move(samples);
-  return pixels;
-}
 
 QImage imageOf(const PixelData& pixels) {
   const StoredRange range = storedRange(pixels);

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <limits>
 
+#include "tests/workstation/render/GreyPixels.h"
+
 namespace workstation::test {
 namespace {
 
@@ -13,14 +15,6 @@ VoiTransform windowOf(double centre, double width, WindowFunction function = Win
   transform.window = {centre, width, {}};
   transform.function = function;
   return transform;
-}
-
-PixelData greyPixels(std::vector<std::int32_t> samples) {
-  PixelData pixels;
-  pixels.rows = 1;
-  pixels.columns = static_cast<int>(samples.size());
-  pixels.samples = std::move(samples);
-  return pixels;
 }
 
 VoiLut lutOf(std::int32_t firstMapped, int bits, std::vector<std::uint16_t> entries) {
