@@ -1,4 +1,4 @@
-# The module of the bundle exports its one C entry and nothing else of its own that another module could call by name.
+# The module of the bundle exports its one C entry and nothing else that another module could call by name.
 #   cmake -DMODULE=<file> -DNM=<program> -P ExportedSymbols.cmake
 if(NOT NM OR NOT EXISTS "${NM}")
   message(STATUS "SKIPPED: there is no nm on this machine, so the exported symbols of ${MODULE} were NOT checked.")
@@ -8,15 +8,15 @@ execute_process(COMMAND ${NM} -D --defined-only ${MODULE} OUTPUT_VARIABLE listin
 if(failed)
   message(FATAL_ERROR "${NM} cannot read ${MODULE}.")
 endif()
-# Names in C, that is, not the mangled ones of C++ (_Z...), and not those that the linker itself puts into every module.
+# Not those that the linker itself puts into a module; C++ names begin with _Z.
 string(REGEX MATCHALL "[0-9a-f]+ [A-Za-z] [^\n]+" lines "${listing}")
 set(names)
 foreach(line IN LISTS lines)
   string(REGEX REPLACE "^[0-9a-f]+ [A-Za-z] " "" name "${line}")
-  if(NOT name MATCHES "^_")
+  if(NOT name MATCHES "^_(init|fini|edata|end|_bss_start)$")
     list(APPEND names ${name})
   endif()
 endforeach()
 if(NOT names STREQUAL "vertana_bundle_entry")
-  message(FATAL_ERROR "${MODULE} must export vertana_bundle_entry and no other C name, but exports: ${names}")
+  message(FATAL_ERROR "${MODULE} must export vertana_bundle_entry and nothing else, but exports: ${names}")
 endif()
