@@ -91,10 +91,14 @@ Expected<std::unique_ptr<StudySource>> StudySource::open(const std::string& stud
 }
 
 std::optional<Failure> StudySource::findStudy(const std::string& study, const std::string& database) {
-  if (database_->images(study).empty()) {
+  const auto read = database_->contents(study);
+  if (read.images.empty()) {
     return Failure{ExitNotAllowed, "The database " + database + " holds no study " + study +
                                        ": give the Study Instance UID of one that was imported."};
   }
+  bad_ = badFilesOf(read);
+  printBadFiles(bad_);
+  printCopies(read.copies);
   studies_ = {study};
   return std::nullopt;
 }

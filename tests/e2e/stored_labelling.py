@@ -155,6 +155,13 @@ def check_database(checks, program, folder, labelled, line):
     run = Run(program, ["show", "1.2.3", "--database", database])
     checks.that(run.status == 1 and "1.2.3" in run.messages[-1], "a study that is not there is refused by name", run)
 
+    damaged = pathlib.Path(stored[-1].filename)
+    damaged.write_bytes(damaged.read_bytes()[:200])
+    run = Run(program, ["show", labelled["study"], "--database", database, "--json"])
+    checks.that(run.status == 0 and names(run.json()) == names(labelled) and
+                any(str(damaged) in message for message in run.messages),
+                "a report of which little is left is named, and the one before it counts", run)
+
 
 def main():
     program, region, *options = sys.argv[1:]

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <set>
 #include <system_error>
 #include <unordered_map>
 #include <utility>
@@ -44,6 +45,11 @@ Difference differenceOf(const std::vector<IndexedFile>& known, const FolderListi
   std::sort(difference.fresh.begin(), difference.fresh.end(),
             [](const FileStamp& a, const FileStamp& b) { return isPathBefore(stateOf(a), stateOf(b)); });
   return difference;
+}
+
+void sortByPath(std::vector<UnreadableFile>& files) {
+  std::stable_sort(files.begin(), files.end(),
+                   [](const UnreadableFile& a, const UnreadableFile& b) { return a.file < b.file; });
 }
 
 }  // namespace
@@ -180,6 +186,24 @@ std::vector<ImageRecord> StudyDatabase::images(const std::string& studyUid) {
   return std::move(result.images);
 }
 
+ReadResult StudyDatabase::contents(const std::string& studyUid) {
+  ReadResult result;
+  result.warning = prepareToolkit();
+  withIndex([&] {
+    result.images = index_->images(root_, studyUid);
+    std::set<fs::path> folders;
+    for (const ImageRecord& image : result.images) folders.insert(image.file.parent_path());
+    result.unreadable.clear();
+    for (const IndexedPlace& place : index_->places(FileKind::unreadable)) {
+      const fs::path file = scan_.pathOf(place.file);
+      if (folders.contains(file.parent_path())) result.unreadable.push_back({file, place.reason});
+    }
+  });
+  setCopiesAside(result);
+  sortByPath(result.unreadable);
+  return result;
+}
+
 ReadResult StudyDatabase::contents() {
   ReadResult result;
   result.warning = prepareToolkit();
@@ -197,8 +221,7 @@ ReadResult StudyDatabase::contents() {
     listPaths(FileKind::directory, result.directories);
   });
   setCopiesAside(result);
-  std::stable_sort(result.unreadable.begin(), result.unreadable.end(),
-                   [](const UnreadableFile& a, const UnreadableFile& b) { return a.file < b.file; });
+  sortByPath(result.unreadable);
   return result;
 }
 

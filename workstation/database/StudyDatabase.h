@@ -70,6 +70,8 @@ class StudyDatabase final : public ReportShelf {
   std::vector<StudyEntry> studies(std::string_view search = {});
   /// The slices of a study as readImages gives them, copies set aside; empty when the study is not here.
   std::vector<ImageRecord> images(const std::string& studyUid);
+  /// The study's slices, and the files in the same folders that cannot be used: whose they were nobody can tell.
+  ReadResult contents(const std::string& studyUid);
   /// Everything that lies here, as readImages gives it, from the index alone. Reports are among the other objects.
   ReadResult contents();
 

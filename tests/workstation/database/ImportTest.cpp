@@ -55,6 +55,23 @@ TEST_F(ImportTest, WhatIsNoImageIsCountedByKind) {
   EXPECT_EQ(levelsIn(*database), std::vector<double>{3});
 }
 
+TEST_F(ImportTest, WhatCannotBeReadAnyMoreIsTheStudysInWhoseFolderItLies) {
+  openAsDatabase(folder_.path())->importFiles({source_.path()});
+  const fs::path beside = folder_.path() / "studies" / studyUid() / "damaged.dcm";
+  writeText(beside, "no DICOM");
+  fs::create_directories(folder_.path() / "studies" / "1.2.3");
+  writeText(folder_.path() / "studies" / "1.2.3" / "elsewhere.dcm", "no DICOM");
+  const auto database = openAsDatabase(folder_.path());
+  EXPECT_EQ(database->contents().unreadable.size(), 2U);
+  const ReadResult found = database->contents(studyUid());
+  EXPECT_EQ(described(found.images), described(database->images(studyUid())));
+  ASSERT_EQ(found.unreadable.size(), 1U);
+  EXPECT_EQ(found.unreadable[0].file, beside);
+  EXPECT_FALSE(found.unreadable[0].reason.empty());
+  EXPECT_TRUE(database->contents("1.2.3").images.empty());
+  EXPECT_TRUE(database->contents("1.2.3").unreadable.empty());
+}
+
 TEST_F(ImportTest, KnownFilesAreNotEvenOpenedAgain) {
   const auto database = openAsDatabase(folder_.path());
   EXPECT_EQ(database->importFiles({source_.path()}).imported, 3U);
