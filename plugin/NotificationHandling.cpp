@@ -128,6 +128,7 @@ void VertanaFilter::activateForLabelledStudy(const Ref<pelmar::DicomStudy>& stud
 
 void VertanaFilter::PelmarViewerControllerDidLoadImages(const Notification& notification) {
   const auto viewer = ref_cast<ViewerController>(notification.object);
+  if (!viewer) return;  // nothing may be forgotten for what is no viewer
   if (isActive()) {
     if (!study()) adoptStudy(viewer->currentStudy());
     if (!savedDictionary()) loadState();

@@ -1,6 +1,9 @@
 // What the host must offer, and what the person is told when it does not.
+#include <algorithm>
 #include <array>
-#include <sstream>
+#include <charconv>
+#include <cstdint>
+#include <limits>
 
 #include "host/Value.h"
 #include "plugin/VertanaFilter.h"
@@ -42,12 +45,26 @@ std::vector<std::string> partsOfVersion(const std::string& version) {
   return parts;
 }
 
+/// A text's number up to the first character that does not belong to it, after blanks; 0 when there is none. Of what is
+/// beyond 32 bits the low ones.
+std::int32_t integerOf(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+  if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+  std::int64_t number = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (read.ec == std::errc::result_out_of_range) {
+    number =
+        text.starts_with('-') ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
+  }
+  return static_cast<std::int32_t>(number);
+}
+
 // Major and minor digits are joined and read as one number, so "9.0" is 90 and "8.10" is 810: that is the rule, also
 // where it misjudges. A version without a minor part always passes.
 bool isVersionTooOld(const std::string& version) {
   const auto parts = partsOfVersion(version);
   if (parts.size() < 2) return false;
-  return pelmar::Value(parts[0] + parts[1]).intValue() <= 89;
+  return integerOf(parts[0] + parts[1]) <= 89;
 }
 
 }  // namespace

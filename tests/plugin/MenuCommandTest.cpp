@@ -309,10 +309,24 @@ TEST_F(MenuCommand, withNoViewerInFrontThePaletteStillOpens) {
 }
 
 TEST_F(MenuCommand, withoutACommandViewerLabelsHasNoStudyAndStaysInactive) {
+  filter.setAnatomicalRegion(2);
   choose("Labels", {});
   EXPECT_FALSE(filter.study());
   EXPECT_FALSE(filter.isActive());
+  EXPECT_EQ(filter.anatomicalRegion(), 0) << "a missing description is found in the first term";
   EXPECT_EQ(host.alerts.shown.size(), 1U) << "no vertical series of no study";
+}
+
+TEST_F(MenuCommand, onAHostThatHasBecomeUnfitAnOpenPaletteStaysAndNothingIsSaved) {
+  chooseLabels();
+  drawLine();
+  host.version = "8.5";
+  host.calls.clear();
+  chooseLabels();
+  EXPECT_TRUE(paletteIsVisible());
+  EXPECT_EQ(filter.workflow(), 1);
+  EXPECT_EQ(reportsWritten(), 0U);
+  EXPECT_EQ(curveCount(sagittal), 1U);
 }
 
 }  // namespace

@@ -312,6 +312,10 @@ TEST_F(RoiNotification, removingTheLineForgetsIt) {
   host.rois.deleteROI(line);
   EXPECT_FALSE(filter.inputLengthROI());
   EXPECT_EQ(filter.workflow(), 1);
+  // 20 cm are 20 / 3.0 vertebrae while the line is drawn, rounded to 7, of which the lumbar region has 5.
+  ASSERT_TRUE(filter.openPolygonROI()) << "what came of it so far stays";
+  EXPECT_EQ(filter.openPolygonROI()->points()->count(), 6U);
+  EXPECT_EQ(labelsOn(sagittal), lumbarLabels());
 }
 
 TEST_F(RoiNotification, removingThePolygonForgetsIt) {

@@ -80,6 +80,14 @@ TEST_F(Viewers, ofTwoSagittalOnesTheOneInFrontWins) {
   EXPECT_TRUE(filter.firstViewerWithVerticalSeries() == second);
 }
 
+TEST_F(Viewers, eitherSenseOfSagittalWinsInFront) {
+  open(0, study);
+  const auto second = open(0, study);
+  host.frontMost = second;
+  filter.setStudy(study);
+  EXPECT_TRUE(filter.firstViewerWithVerticalSeries() == second);
+}
+
 TEST_F(Viewers, ofTwoSagittalOnesTheFirstWinsWhenNeitherIsInFront) {
   const auto first = open(1, study);
   open(0, study);

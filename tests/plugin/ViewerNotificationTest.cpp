@@ -59,6 +59,7 @@ TEST_F(ViewerNotification, closingOneOfSeveralRemovesItsTemporaryAnnotationsAndT
   const auto second = host.addViewer(study, sagittalSeries(3));
   chooseLabels();
   drawLine();
+  clearLists(second);
   host.addROI(19, second, 0, {{1, 1}}, {"VertanaFilterTemporayROI"});
   host.closeViewer(second);
   EXPECT_TRUE(second->allROIsTagged("VertanaFilterTemporayROI").empty());
@@ -67,6 +68,16 @@ TEST_F(ViewerNotification, closingOneOfSeveralRemovesItsTemporaryAnnotationsAndT
   EXPECT_EQ(filter.workflow(), 1);
   EXPECT_TRUE(paletteIsVisible());
   EXPECT_TRUE(filter.study() == study);
+}
+
+TEST_F(ViewerNotification, closingTheViewerOfTheCurveMakesLabelsBeforeItRemovesWhatIsTemporary) {
+  host.addViewer(study, sagittalSeries(3));
+  chooseLabels();
+  drawLine();
+  clearLists(sagittal);
+  host.closeViewer(sagittal);
+  EXPECT_EQ(labelsOn(sagittal), lumbarLabels());
+  EXPECT_TRUE(sagittal->allROIsTagged("VertanaFilterTemporayROI").empty()) << "also the new labels' connectors go";
 }
 
 TEST_F(ViewerNotification, closingAnAxialViewerNamesItsSlicesFirst) {
@@ -135,6 +146,17 @@ TEST_F(ViewerNotification, closingTheLastVerticalViewerClosesThePaletteAndRestor
   EXPECT_EQ(sagittal->view->tool, 4);
   EXPECT_EQ(host.calls.countContaining("viewer2.setToolTag"), 0U) << "not on the viewer that stays";
   EXPECT_EQ(planeCount(storedState(study)), 6U);
+}
+
+TEST_F(ViewerNotification, closingTheLastVerticalViewerBeforeAnyDrawingRestoresTheToolsOnItAllTheSame) {
+  addAxial(study);
+  startWithTools();
+  host.calls.clear();
+  host.closeViewer(sagittal);
+  EXPECT_FALSE(filter.windowController());
+  EXPECT_EQ(host.calls.containing({"ToolTag("}),
+            (std::vector<std::string>{"viewer1.setROIToolTag(12)", "viewer1.setToolTag(4)"}))
+      << "nobody knows the vertical viewer any more, but it is the one that closes";
 }
 
 TEST_F(ViewerNotification, closingOneVerticalViewerKeepsThePaletteWhileAnotherIsOpen) {
@@ -217,6 +239,31 @@ TEST_F(ViewerNotification, aViewerThatLoadsDuringTheRunGetsLabelsAndNames) {
   EXPECT_EQ(axialName(axial, 10), "L1-L2");
 }
 
+// --- What is no viewer and no view ---
+
+TEST_F(ViewerNotification, anObjectOfAnotherClassIsIgnoredAndNothingIsForgotten) {
+  chooseLabels();
+  drawLine();
+  filter.stopWorkflow();
+  ASSERT_TRUE(filter.intervertebralPlanes());
+  const auto names = {pelmar::PelmarViewerControllerDidLoadImagesNotification, pelmar::PelmarCloseViewerNotification,
+                      pelmar::PelmarViewScaleChanged, pelmar::PelmarDCMViewIndexChangedNotification};
+  const auto ignoresAll = [&](const char* when) {
+    host.calls.clear();
+    for (const auto& name : names) {
+      host.post(name);
+      host.post(name, study);
+    }
+    EXPECT_TRUE(host.calls.lines().empty()) << when;
+    EXPECT_TRUE(filter.intervertebralPlanes()) << when;
+  };
+  ignoresAll("while inactive");
+  filter.setIsActive(true);
+  filter.setSavedDictionary(std::nullopt);
+  ignoresAll("while active");
+  EXPECT_FALSE(filter.savedDictionary());
+}
+
 // --- Scrolling ---
 
 TEST_F(ViewerNotification, scrollingIsIgnoredUnlessAViewReportsIt) {
@@ -250,6 +297,16 @@ TEST_F(ViewerNotification, scrollingAnAxialViewerNamesItsCurrentSliceAlone) {
   postIndexChanged(axial);
   EXPECT_EQ(axialName(axial, 20), "L2-L3");
   EXPECT_EQ(axialNameCount(axial), 1U);
+}
+
+TEST_F(ViewerNotification, scrollingComputesPlanesThatAreNotThereYet) {
+  const auto axial = addAxial(study);
+  chooseLabels();
+  drawLine();
+  filter.setIntervertebralPlanes(std::nullopt);
+  axial->view->current = 20;
+  postIndexChanged(axial);
+  EXPECT_EQ(axialName(axial, 20), "L2-L3");
 }
 
 TEST_F(ViewerNotification, scrollingAVerticalViewerMakesItsLabelsAnew) {
@@ -315,6 +372,14 @@ TEST_F(ViewerNotification, aSeriesChangeWithAPolygonHalfDrawnResetsToo) {
   EXPECT_TRUE(isEmptyState(storedState(study)));
   EXPECT_FALSE(filter.inputOpenPolygonROI());
   EXPECT_FALSE(filter.windowController());
+}
+
+TEST_F(ViewerNotification, aSeriesChangeRestoresTheToolsOnceWithTheWorkflowAndNotWithThePalette) {
+  startWithTools();
+  host.calls.clear();
+  host.post(pelmar::PelmarViewerWillChangeNotification);
+  EXPECT_EQ(host.calls.containing({"ToolTag("}),
+            (std::vector<std::string>{"viewer1.setROIToolTag(12)", "viewer1.setToolTag(4)"}));
 }
 
 TEST_F(ViewerNotification, aSeriesChangeAfterTheDrawingSavesAndClosesThePalette) {

@@ -1,5 +1,6 @@
 // startWorkflow, stopWorkflow and reset: what they do, in which order, and what they leave.
 
+#include "tests/double/TestPerson.h"
 #include "tests/plugin/LabellingFixture.h"
 
 namespace testhost {
@@ -44,6 +45,16 @@ TEST_F(Workflow, redrawsAStoredLabelling) {
   const auto made = host.calls.containing({"roiWithType(13)", "roiWithType(5)"});
   const auto lastLabel = std::find(made.rbegin(), made.rend(), "roiWithType(13)");
   EXPECT_GE(std::distance(made.rbegin(), lastLabel), 6) << "the six plane lines come last";
+}
+
+TEST_F(Workflow, redrawsAStoredLabellingAfterItTookTheDrawMode) {
+  storeStateOfEarlierRun(Value(lumbarState()));
+  host.defaults.values["VertanaDrawMode-2"] = Value(1);
+  chooseLabels();
+  ASSERT_EQ(filter.drawMode(), 1U);
+  EXPECT_EQ(curveCount(sagittal), 1U) << "a change of the draw mode discards what is drawn";
+  EXPECT_EQ(labelsOn(sagittal), lumbarLabels());
+  EXPECT_EQ(planeLineCount(sagittal), 6U);
 }
 
 // --- stopWorkflow ---
@@ -93,6 +104,22 @@ TEST_F(Workflow, stoppingTakesAHalfDrawnPolygonAsInputBeforeItSaves) {
   filter.stopWorkflow();
   EXPECT_EQ(planeCount(storedState(study)), 6U);
   EXPECT_FALSE(filter.inputOpenPolygonROI());
+}
+
+TEST_F(Workflow, stoppingChoosesTheToolsBeforeItTakesTheInput) {
+  // A host ends a drawing when another tool is chosen, and a polygon of one point is then none.
+  sagittal->roiToolTag = 12;
+  host.defaults.values["VertanaDrawMode-2"] = Value(1);
+  chooseLabels();
+  TestPerson person(host);
+  person.press(sagittal, {128, 28});
+  ASSERT_TRUE(filter.inputOpenPolygonROI());
+  host.calls.clear();
+  filter.stopWorkflow();
+  EXPECT_FALSE(filter.inputOpenPolygonROI());
+  EXPECT_FALSE(filter.intervertebralPlanes());
+  EXPECT_EQ(reportsWritten(), 0U);
+  EXPECT_TRUE(sagittal->allROIs().empty());
 }
 
 TEST_F(Workflow, stoppingSavesBeforeItRemovesTheConstruction) {

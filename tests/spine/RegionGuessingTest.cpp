@@ -226,6 +226,11 @@ TEST_F(CustomTerms, theDefaultHasThreeEmptyRecordsAndIsNotWrittenByReading) {
   EXPECT_TRUE(host.calls.lines().empty());
 }
 
+TEST_F(CustomTerms, anEmptyTermIsATerm) {
+  filter.setCustomTerm("", 1);
+  EXPECT_EQ(stored(), Value(Value::Array{record(0, {}), record(1, {""}), record(2, {})}));
+}
+
 TEST_F(CustomTerms, filingWritesTheListAndMovesTheTermFromItsFormerRegion) {
   filter.setCustomTerm("MRI WHOLE SPINE", 1);
   EXPECT_EQ(stored(), Value(Value::Array{record(0, {}), record(1, {"MRI WHOLE SPINE"}), record(2, {})}));
