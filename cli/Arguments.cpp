@@ -125,15 +125,7 @@ Expected<std::vector<pelmar::PixelPoint>> parsePoints(const std::string& text, c
 }
 
 Expected<Arguments> parseArguments(int argc, const char* const* argv) {
-  CLI::App app(
-      "Spine labelling for DICOM studies: draw one line along the spine,\nand every axial slice gets its level.",
-      "vertana");
-  app.set_version_flag("--version", std::string("vertana ") + VERTANA_VERSION);
-  app.require_subcommand(1);
-  app.footer(
-      "Exit status: 0 done, 1 the study or drawing does not allow it, 2 wrong usage,\n"
-      "3 input unreadable.\n"
-      "Example:\n  vertana demo");
+  CLI::App app;
   RawArguments raw;
   addCommands(app, raw);
   if (auto problem = checkCommandName(app, argc, argv)) return *problem;
@@ -156,6 +148,7 @@ Expected<Arguments> parseArguments(int argc, const char* const* argv) {
   if (command == "history") return Arguments(raw.history);
   if (command == "restore") return Arguments(raw.restore);
   if (command == "render") return Arguments(raw.render);
+  if (command == "terms") return Arguments(raw.terms);
   return Arguments(raw.play);
 }
 

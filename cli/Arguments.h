@@ -65,13 +65,20 @@ struct HistoryArguments {
 struct RestoreArguments {
   std::string study;
   std::string database;
-  std::string object;  ///< SOP Instance UID
+  std::string object;  ///< SOP Instance UID, or the number in the history from 1
 };
 
 struct RenderArguments {
   std::string study;
   std::string database;
   std::string outDir;
+};
+
+/// Lists where nothing is to be forgotten.
+struct TermsArguments {
+  std::optional<std::string> forget;
+  bool forgetAll = false;
+  bool json = false;
 };
 
 /// Help or version was asked for: print the text and be done.
@@ -81,7 +88,7 @@ struct TextToPrint {
 
 using Arguments =
     std::variant<TextToPrint, DemoArguments, PhantomArguments, ImportArguments, InfoArguments, LabelArguments,
-                 ShowArguments, HistoryArguments, RestoreArguments, RenderArguments, PlayArguments>;
+                 ShowArguments, HistoryArguments, RestoreArguments, RenderArguments, PlayArguments, TermsArguments>;
 
 /// Reads the command line; what is wrong with it is a Failure with ExitUsage.
 Expected<Arguments> parseArguments(int argc, const char* const* argv);

@@ -14,6 +14,7 @@ int runShow(const ShowArguments& arguments);
 int runHistory(const HistoryArguments& arguments);
 int runRestore(const RestoreArguments& arguments);
 int runRender(const RenderArguments& arguments);
+int runTerms(const TermsArguments& arguments);
 
 /// Parses and runs; the whole program.
 int run(int argc, const char* const* argv);

@@ -106,9 +106,27 @@ void addPlay(CLI::App& app, RawArguments& raw) {
   play->footer("Example:\n  vertana play session.json");
 }
 
+void addTerms(CLI::App& app, RawArguments& raw) {
+  auto* terms = app.add_subcommand("terms", "List or forget what study descriptions taught");
+  auto* list = terms->add_flag("--list", raw.listTerms, "List each term with its region (the default)");
+  auto* forget = terms->add_option("--forget", raw.terms.forget, "Forget one term, written as it is listed");
+  forget->type_name("TERM")->excludes(list);
+  auto* all =
+      terms->add_flag("--forget-all", raw.terms.forgetAll, "Forget every term")->excludes(list)->excludes(forget);
+  terms->add_flag("--json", raw.terms.json, "Print the list as JSON for programs")->excludes(forget)->excludes(all);
+  terms->footer("Example:\n  vertana terms");
+}
+
 }  // namespace
 
 void addCommands(CLI::App& app, RawArguments& raw) {
+  app.name("vertana");
+  app.description("Names the levels of a spine study along one line that is drawn in it.");
+  app.set_version_flag("--version", std::string("vertana ") + VERTANA_VERSION);
+  app.require_subcommand(1);
+  app.footer(
+      "Exit status: 0 done, 1 the study forbids it, 2 wrong usage, 3 input unreadable.\n"
+      "Example:\n  vertana demo");
   addDemo(app, raw);
   addPhantom(app, raw);
   addImport(app, raw);
@@ -119,6 +137,7 @@ void addCommands(CLI::App& app, RawArguments& raw) {
   addRestore(app, raw);
   addRender(app, raw);
   addPlay(app, raw);
+  addTerms(app, raw);
 }
 
 }  // namespace cli

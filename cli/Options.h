@@ -22,6 +22,7 @@ struct RawArguments {
   RestoreArguments restore;
   RenderArguments render;
   PlayArguments play;
+  TermsArguments terms;
   std::string phantomRegion;
   std::optional<std::string> seed;
   std::optional<std::string> series;
@@ -29,11 +30,12 @@ struct RawArguments {
   std::string labelRegion;
   std::string line;
   std::string polygon;
+  bool listTerms = false;  ///< what is done anyway
 };
 
 extern const std::map<std::string, int> regionsByName;
 
-/// Adds every command to the parser, which then fills `raw`.
+/// Makes the parser that of vertana, with every command; it then fills `raw`.
 void addCommands(CLI::App& app, RawArguments& raw);
 
 }  // namespace cli

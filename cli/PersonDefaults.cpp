@@ -78,15 +78,21 @@ Value::Dictionary PersonDefaults::load() {
 
 void PersonDefaults::save(const Value::Dictionary& defaults) {
   const auto learnt = defaults.find(learntTermsKey);
-  if (file_.empty() || !readable_ || learnt == defaults.end() || learnt_ == learnt->second) return;
+  if (!file_.empty() && readable_ && learnt != defaults.end()) saveLearntTerms(learnt->second);
+}
+
+bool PersonDefaults::saveLearntTerms(const std::optional<Value>& terms) {
+  if (terms == learnt_) return true;
   auto json = readObject(file_);
-  if (json) (*json)[learntTermsKey] = jsonFromValue(learnt->second);
+  if (json && terms) (*json)[learntTermsKey] = jsonFromValue(*terms);
+  if (json && !terms) json->erase(learntTermsKey);
   if (json && replaceFile(file_, json->dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n')) {
-    learnt_ = learnt->second;
-    return;
+    learnt_ = terms;
+    return true;
   }
-  printMessage("What was learnt from the study description could not be written to " + file_.string() +
+  printMessage("The terms learnt from study descriptions could not be written to " + file_.string() +
                ": check that it is a JSON object and that its folder can be written to.");
+  return false;
 }
 
 }  // namespace cli

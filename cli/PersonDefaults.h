@@ -19,6 +19,13 @@ class PersonDefaults final : public workstation::DefaultsStore {
   pelmar::Value::Dictionary load() override;
   void save(const pelmar::Value::Dictionary& defaults) override;
 
+  /// False once load() has reported a file that cannot be read.
+  bool readable() const { return readable_; }
+  /// The list that the plug-in keeps of them, as last read or written; nil where there is none.
+  pelmar::Value learntTerms() const { return learnt_.value_or(pelmar::Value()); }
+  /// Writes the list, or removes it, where that changes anything. False where it could not be done, which is reported.
+  bool saveLearntTerms(const std::optional<pelmar::Value>& terms);
+
  private:
   std::filesystem::path file_;
   std::optional<pelmar::Value> learnt_;  ///< as last read or written

@@ -22,6 +22,7 @@ int dispatch(const Arguments& arguments) {
   if (const auto* history = std::get_if<HistoryArguments>(&arguments)) return runHistory(*history);
   if (const auto* restore = std::get_if<RestoreArguments>(&arguments)) return runRestore(*restore);
   if (const auto* render = std::get_if<RenderArguments>(&arguments)) return runRender(*render);
+  if (const auto* terms = std::get_if<TermsArguments>(&arguments)) return runTerms(*terms);
   return play(std::get<PlayArguments>(arguments));
 }
 

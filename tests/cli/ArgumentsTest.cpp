@@ -4,6 +4,8 @@
 
 #include <sstream>
 
+#include "cli/Options.h"
+
 namespace cli::test {
 namespace {
 
@@ -117,6 +119,18 @@ TEST(Restore, NeedsTheObject) {
   expectWords(refusal({"restore", "folder"}), {"--object"});
 }
 
+TEST(Terms, AreListedUnlessTheyAreToBeForgotten) {
+  const auto terms = [](const std::vector<const char*>& words) { return std::get<TermsArguments>(*parse(words)); };
+  EXPECT_FALSE(terms({"terms"}).forget || terms({"terms"}).forgetAll || terms({"terms"}).json);
+  EXPECT_FALSE(terms({"terms", "--list"}).forget);
+  EXPECT_EQ(terms({"terms", "--forget", "--hws"}).forget, "--hws") << "a description may begin with dashes";
+  EXPECT_EQ(terms({"terms", "--forget", ""}).forget, "");
+  EXPECT_TRUE(terms({"terms", "--forget-all"}).forgetAll);
+  EXPECT_TRUE(terms({"terms", "--list", "--json"}).json);
+  expectWords(refusal({"terms", "--list", "--forget-all"}), {"--list", "--forget-all"});
+  expectWords(refusal({"terms", "--forget"}), {"--forget"});
+}
+
 TEST(Import, NeedsPathsAndADatabase) {
   const auto parsed = parse({"import", "a", "b", "--database", "db"});
   ASSERT_TRUE(parsed);
@@ -147,7 +161,8 @@ TEST(Usage, TheLargestSeedFits) {
 }
 
 TEST(Usage, WhatIsWrongIsNamed) {
-  expectWords(refusal({}), {"No command", "demo, phantom, import, info, label, show, history, restore, render, play"});
+  expectWords(refusal({}),
+              {"No command", "demo, phantom, import, info, label, show, history, restore, render, play, terms"});
   expectWords(refusal({"--bogus"}), {"'--bogus'"});
   expectWords(refusal({"lable"}), {"'lable'", "label"});
   expectWords(refusal({"info", "--json=maybe", "folder"}), {"--json", "no value"});
@@ -158,24 +173,31 @@ TEST(Usage, WhatIsWrongIsNamed) {
   expectWords(refusal({"phantom", "--region", "Lumbar", "--out", "x"}), {"--region", "Lumbar"});
 }
 
-class Help : public testing::TestWithParam<const char*> {};
-
-TEST_P(Help, FitsAScreenOf80By24AndHasAnExample) {
-  std::vector<const char*> words{"--help"};
-  if (*GetParam()) words.insert(words.begin(), GetParam());
-  const auto parsed = parse(words);
+/// `command` is empty for the program itself.
+void expectFittingHelp(const std::string& command) {
+  SCOPED_TRACE("vertana " + command + " --help");
+  const auto parsed = command.empty() ? parse({"--help"}) : parse({command.c_str(), "--help"});
   ASSERT_TRUE(parsed);
   const auto& text = std::get<TextToPrint>(*parsed).text;
-  EXPECT_NE(text.find("Example:\n  vertana "), std::string::npos);
   std::istringstream lines(text);
   int count = 0;
   for (std::string line; std::getline(lines, line); ++count) EXPECT_LE(line.size(), 80U) << line;
   EXPECT_LE(count, 24);
+  const auto example = text.find("\nExample:\n  ");
+  ASSERT_NE(example, std::string::npos);
+  EXPECT_EQ(text.find("\n\n", example), std::string::npos) << "the example comes last";
+  EXPECT_NE(text.find("\n  vertana " + command, example), std::string::npos);
 }
 
-INSTANTIATE_TEST_SUITE_P(Commands, Help,
-                         testing::Values("", "demo", "phantom", "import", "info", "label", "show", "history", "restore",
-                                         "render", "play"));
+TEST(Help, OfEveryCommandFitsAScreenOf80By24AndEndsWithAnExample) {
+  CLI::App app;
+  RawArguments raw;
+  addCommands(app, raw);
+  expectFittingHelp("");
+  const auto commands = app.get_subcommands({});
+  EXPECT_GE(commands.size(), 11U);
+  for (const auto* command : commands) expectFittingHelp(command->get_name());
+}
 
 }  // namespace
 }  // namespace cli::test

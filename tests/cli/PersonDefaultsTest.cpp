@@ -90,6 +90,26 @@ TEST_F(Defaults, OtherKeysStayAsTheyAreInTheFileAtThatMoment) {
   EXPECT_EQ(now.size(), 5U);
 }
 
+TEST_F(Defaults, LearntTermsAreReplacedOrRemovedAndNothingElse) {
+  put(R"({"kVertanaCustomStudyDescriptionSearchTerms": ["hws", "lws"], "drawMode": 0})");
+  PersonDefaults defaults(file_);
+  defaults.load();
+  EXPECT_EQ(defaults.learntTerms(), Value(Value::Array{Value("hws"), Value("lws")}));
+  EXPECT_TRUE(defaults.saveLearntTerms(Value(Value::Array{Value("lws")})));
+  EXPECT_EQ(json(), nlohmann::json::parse(R"({"kVertanaCustomStudyDescriptionSearchTerms": ["lws"], "drawMode": 0})"));
+  EXPECT_TRUE(defaults.saveLearntTerms(std::nullopt));
+  EXPECT_EQ(json(), nlohmann::json::parse(R"({"drawMode": 0})"));
+  EXPECT_TRUE(defaults.learntTerms().isNil());
+}
+
+TEST_F(Defaults, RemovingTermsThatAreNotThereMakesNoFile) {
+  PersonDefaults defaults(file_);
+  defaults.load();
+  EXPECT_TRUE(defaults.readable());
+  EXPECT_TRUE(defaults.saveLearntTerms(std::nullopt));
+  EXPECT_FALSE(fs::exists(file_));
+}
+
 TEST_F(Defaults, TermsThatAreThereAlreadyAreNotWrittenAgain) {
   const std::string same = R"({ "kVertanaCustomStudyDescriptionSearchTerms" : [ "lws" ] })";
   put(same);
@@ -105,6 +125,7 @@ TEST_F(Defaults, AFileThatIsNoObjectIsReportedAndNeverOverwritten) {
     PersonDefaults defaults(file_);
     testing::internal::CaptureStderr();
     EXPECT_TRUE(defaults.load().empty());
+    EXPECT_FALSE(defaults.readable());
     EXPECT_NE(testing::internal::GetCapturedStderr().find(file_.string()), std::string::npos);
     defaults.save(learnt("hws"));
     EXPECT_EQ(text(), broken);

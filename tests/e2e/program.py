@@ -13,10 +13,11 @@ _settings = tempfile.TemporaryDirectory(prefix="vertana-settings-")
 
 
 class Run:
-    """What one run of the command gave. `prepare` is called in the new process before the command begins."""
+    """What one run of the command gave. `prepare` is called in the new process before the command begins; `settings` is
+    the folder of the person's settings, where it is not the one that all runs of a test share."""
 
-    def __init__(self, program, arguments, timeout=300, prepare=None):
-        environment = dict(os.environ, XDG_CONFIG_HOME=_settings.name)
+    def __init__(self, program, arguments, timeout=300, prepare=None, settings=None):
+        environment = dict(os.environ, XDG_CONFIG_HOME=str(settings or _settings.name))
         done = subprocess.run([program, *map(str, arguments)], env=environment, stdin=subprocess.DEVNULL,
                               capture_output=True, text=True, timeout=timeout, check=False, preexec_fn=prepare)
         self.command = " ".join(["vertana", *map(str, arguments)])
