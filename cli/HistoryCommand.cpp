@@ -1,4 +1,6 @@
 // Every labelling that a study ever held, and making an earlier one count again.
+#include <charconv>
+#include <iomanip>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
@@ -63,11 +65,12 @@ void printHistory(std::ostream& out, const std::string& study, const std::vector
     return;
   }
   out << "The labellings of study " << printable(study) << ", the oldest first:\n\n";
-  for (const auto& entry : history) {
-    out << "  " << (entry.counts ? "* " : "  ") << timeOf(entry.report.contentTime) << "  "
-        << printable(contentOf(entry)) << "\n      " << printable(entry.report.sopInstanceUid) << '\n';
+  for (std::size_t i = 0; i < history.size(); ++i) {
+    const auto& entry = history[i];
+    out << std::setw(5) << i + 1 << (entry.counts ? " * " : "   ") << timeOf(entry.report.contentTime) << "  "
+        << printable(contentOf(entry)) << "\n        " << printable(entry.report.sopInstanceUid) << '\n';
   }
-  out << "\n* counts. To make another one count: vertana restore STUDY --object UID\n";
+  out << "\n* counts. To make another one count: vertana restore STUDY --object NUMBER\n";
 }
 
 void printHistoryAsJson(std::ostream& out, const std::string& study, const std::vector<HistoryEntry>& history) {
@@ -75,6 +78,16 @@ void printHistoryAsJson(std::ostream& out, const std::string& study, const std::
   for (const auto& entry : history) list.push_back(jsonOf(entry));
   const ordered_json json{{"study", study}, {"labellings", list}};
   out << json.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
+}
+
+/// The SOP Instance UID that is meant: given as such, or as the number in the history. A UID always has a dot.
+Expected<std::string> objectNamed(const std::string& object, const std::vector<HistoryEntry>& history) {
+  if (object.find_first_not_of("0123456789") != std::string::npos) return object;
+  std::size_t number = 0;
+  const auto error = std::from_chars(object.data(), object.data() + object.size(), number).ec;
+  if (error == std::errc() && number >= 1 && number <= history.size()) return history[number - 1].report.sopInstanceUid;
+  return Failure{ExitNotAllowed, "--object " + object + ": the study's history holds " +
+                                     counted(history.size(), "labelling", "labellings") + ", counted from 1."};
 }
 
 }  // namespace
@@ -89,10 +102,12 @@ int runHistory(const HistoryArguments& arguments) {
 
 int runRestore(const RestoreArguments& arguments) {
   return withStudy(arguments.study, arguments.database, [&](StudySession& session, const std::string& study) -> int {
-    const auto outcome = session.store().restore(study, arguments.object);
+    const auto object = objectNamed(arguments.object, session.store().history(study));
+    if (!object) return fail(object.failure);
+    const auto outcome = session.store().restore(study, *object);
     session.printNotices();
     if (!outcome) return fail({ExitNotAllowed, *outcome.problem});
-    std::cout << "The labelling of " << printable(arguments.object) << " counts again, as a new object.\n";
+    std::cout << "The labelling of " << printable(*object) << " counts again, as a new object.\n";
     return ExitDone;
   });
 }

@@ -86,10 +86,11 @@ void addHistory(CLI::App& app, RawArguments& raw) {
 void addRestore(CLI::App& app, RawArguments& raw) {
   auto* restore = app.add_subcommand("restore", "Make an earlier labelling count again");
   addStudy(*restore, raw.restore.study, raw.restore.database);
-  restore->add_option("--object", raw.restore.object, "Its SOP Instance UID (see vertana history)")
+  restore->add_option("--object", raw.restore.object, "Its number in the history, or its UID")
       ->required()
-      ->type_name("UID");
-  restore->footer("Example:\n  vertana restore /tmp/spine --object 2.25.1234");
+      ->type_name("OBJECT");
+  restore->footer(
+      "Example:\n  vertana label /tmp/spine --line 192,46,204,274\n  vertana restore /tmp/spine --object 1");
 }
 
 void addRender(CLI::App& app, RawArguments& raw) {
@@ -103,7 +104,11 @@ void addPlay(CLI::App& app, RawArguments& raw) {
   auto* play = app.add_subcommand("play", "Run a session script and print its dumps");
   play->add_option("SCRIPT", raw.play.script, "File with the script (JSON)")->required()->type_name("");
   play->add_option("--database", raw.play.database, "Database folder, instead of the script's")->type_name("DIR");
-  play->footer("Example:\n  vertana play session.json");
+  play->footer(
+      "Example:\n"
+      "  echo '{\"steps\": [{\"do\": \"openStudy\", \"path\": \"/tmp/spine\"},\n"
+      "                   {\"do\": \"dump\"}]}' > /tmp/session.json\n"
+      "  vertana play /tmp/session.json");
 }
 
 void addTerms(CLI::App& app, RawArguments& raw) {
