@@ -20,8 +20,9 @@ namespace fs = std::filesystem;
 namespace {
 
 std::string freshFolder() {
-  std::string path = (fs::temp_directory_path() / "vertana-demo-XXXXXX").string();
-  return mkdtemp(path.data()) ? path : std::string();
+  std::error_code error;
+  std::string path = (fs::temp_directory_path(error) / "vertana-demo-XXXXXX").string();
+  return !error && mkdtemp(path.data()) ? path : std::string();
 }
 
 nlohmann::json readTruth(const std::string& folder) {

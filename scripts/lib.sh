@@ -14,7 +14,7 @@ packagesToBuild=(build-essential cmake ninja-build pkg-config libdcmtk-dev libop
 packagesToBuildOptional=(ccache qt6-base-dev fonts-dejavu-core)
 packagesToTest=("${packagesToBuild[@]}" libgtest-dev libgmock-dev libbenchmark-dev)
 packagesToTestOptional=("${packagesToBuildOptional[@]}" dcmtk dicom3tools libgdcm-tools python3-pydicom gobjc
-                        libgnustep-base-dev gnustep-make libplist-utils)
+                        libgnustep-base-dev gnustep-make libplist-utils groff-base man-db mandoc)
 packagesToTestPlugin=(build-essential cmake ninja-build libgtest-dev libgmock-dev)
 packagesToLint=("${packagesToTest[@]}" clang-14 clang-tidy-14)
 

@@ -1,0 +1,221 @@
+#!/usr/bin/python3
+"""What the command says of folders with other things in them, of the past of a study, and when it is interrupted; each
+in whole sentences. What it refuses is in refusals.py.
+
+usage: messages.py VERTANA
+"""
+import json
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+import pydicom
+
+from program import Checks, Run, phantom
+from reports import BLOCK_ARCHIVE, BLOCK_CREATOR, BLOCK_GROUP, archive_of, report_files
+
+LINE = ["--line", "165,35,160,275"]
+
+
+def told(checks, run, status, *sentences):
+    """Each is a line, or the end of one, of what the run prints."""
+    checks.that(run.status == status, f"status {status}", run)
+    lines = run.out.splitlines() + run.messages
+    for sentence in sentences:
+        checks.that(any(line.endswith(sentence) for line in lines), f"it says: {sentence}", run)
+
+
+def another_object(image, target):
+    """A DICOM object that is no image."""
+    header = pydicom.dcmread(image)
+    del header.PixelData
+    header.SOPClassUID = header.file_meta.MediaStorageSOPClassUID = "1.2.840.10008.5.1.4.1.1.66"  # Raw Data Storage
+    header.SOPInstanceUID = header.file_meta.MediaStorageSOPInstanceUID = pydicom.uid.generate_uid()
+    header.save_as(target)
+
+
+def check_without_images(checks, program, image, top):
+    """A folder without one image: what it does hold is counted."""
+    nothing = " holds no DICOM image that can be shown: "
+    for count, sentence in ((1, "1 file is not DICOM."), (2, "2 files are not DICOM.")):
+        folder = top / f"texts-{count}"
+        folder.mkdir()
+        for number in range(count):
+            (folder / f"{number}.txt").write_text("no DICOM\n")
+        told(checks, Run(program, ["info", folder]), 3, f"{folder}{nothing}{sentence}")
+    for count, sentence in ((1, "1 DICOM object is no image."), (2, "2 DICOM objects are no images.")):
+        folder = top / f"objects-{count}"
+        folder.mkdir()
+        for number in range(count):
+            another_object(image, folder / f"{number}.dcm")
+        told(checks, Run(program, ["info", folder]), 3, f"{folder}{nothing}{sentence}")
+    for count, sentence in ((1, "1 file cannot be used, 1 file is not DICOM."),
+                            (2, "2 files cannot be used, 1 file is not DICOM.")):
+        folder = top / f"broken-{count}"
+        folder.mkdir()
+        (folder / "notes.txt").write_text("no DICOM\n")
+        for number in range(count):
+            (folder / f"{number}.dcm").write_bytes(image.read_bytes()[:3000])
+        run = Run(program, ["info", folder])
+        told(checks, run, 3, f"{folder}{nothing}{sentence}")
+        checks.that(any(f"{folder}/0.dcm cannot be used: " in line for line in run.messages), "it is named", run)
+
+
+def check_left_out(checks, program, study, folder):
+    """A folder with an image and other things: they are told of below the series."""
+    folder.mkdir()
+    image = study / "SE01" / "IM0001.dcm"
+    shutil.copy(image, folder / "a.dcm")
+    for count, objects, copies, shown in (
+            (1, "1 file that is not DICOM, 1 DICOM object that is no image, 1 copy of an image above",
+             "1 file holds an image that another file of the study holds too and is not shown twice: ", "b-1.dcm"),
+            (2, "2 files that are not DICOM, 2 DICOM objects that are no images, 2 copies of images above",
+             "2 files hold images that another file of the study holds too and are not shown twice: the first is ",
+             "b-1.dcm")):
+        shutil.copy(image, folder / f"b-{count}.dcm")
+        (folder / f"{count}.txt").write_text("no DICOM\n")
+        another_object(image, folder / f"object-{count}.dcm")
+        told(checks, Run(program, ["info", folder]), 0, f"Left out: {objects}.",
+             f"{copies}{folder}/{shown}, a copy of {folder}/a.dcm.")
+    broken = folder / "no-place.dcm"
+    header = pydicom.dcmread(study / "SE01" / "IM0002.dcm")
+    del header.ImagePositionPatient
+    header.save_as(broken)
+    run = Run(program, ["import", folder, "--database", folder.parent / "mixed database"])
+    checks.that(run.status == 0, "what is good of it is imported", run)
+    (folder / "broken.dcm").write_bytes(image.read_bytes()[:3000])
+    run = Run(program, ["import", folder, "--database", folder.parent / "mixed database"])
+    checks.that(any(f"{folder}/broken.dcm cannot be imported: " in line for line in run.messages), "bad ones not", run)
+    run = Run(program, ["info", folder])
+    checks.that(any(f"{broken} is shown but cannot be labelled: " in line for line in run.messages), "it is shown", run)
+
+
+def check_past(checks, program, study, top):
+    """What a history and the summary say of labellings of every kind."""
+    folder = shutil.copytree(study, top / "past")
+    run = Run(program, ["label", folder, *LINE, "--extra-vertebra"])
+    checks.that(run.status == 0, "the study is labelled", run)
+    told(checks, Run(program, ["history", folder]), 0, "lumbar with an extra vertebra, T12-L1 to L6-S1",
+         "* counts. To make another one count: vertana restore STUDY --object NUMBER")
+    told(checks, Run(program, ["restore", folder, "--object", "2"]), 1,
+         "--object 2: the study's history holds 1 labelling, counted from 1.")
+
+    steps = [{"do": "openStudy", "path": str(folder)}, {"do": "menu", "viewer": 0, "title": "Labels"},
+             {"do": "palette", "press": "reset"}, {"do": "palette", "press": "close"}]
+    (top / "reset.json").write_text(json.dumps({"steps": steps}))
+    told(checks, Run(program, ["play", top / "reset.json"]), 0)
+    told(checks, Run(program, ["history", folder]), 0, "no labelling (reset)")
+    told(checks, Run(program, ["info", folder]), 0, "Labels   none stored (reset)")
+    told(checks, Run(program, ["show", folder]), 1,
+         f"The study in {folder} holds no labelling any more (it was reset): draw one with vertana label.")
+    run = Run(program, ["restore", folder, "--object", "1"])
+    first = pydicom.dcmread(report_files(folder)[0]).SOPInstanceUID
+    told(checks, run, 0, f"The labelling of {first} counts again, as a new object.")
+    told(checks, Run(program, ["show", folder]), 0,
+         "Stored: the lumbar spine with an extra vertebra, drawn on series 1, slice 7 of 0-14.")
+    checks.that(len(report_files(folder)) == 3, "an earlier one counts again, as a new object")
+
+    newest = report_files(folder)[-1]
+    report = pydicom.dcmread(newest)
+    archive = archive_of(report)
+    report.private_block(BLOCK_GROUP, BLOCK_CREATOR)[BLOCK_ARCHIVE].value = archive[:len(archive) // 4 * 2]
+    report.save_as(newest)
+    run = Run(program, ["info", folder])
+    checks.that(any(f"{newest} does not count as a labelling: " in line for line in run.messages), "it is named", run)
+    report = pydicom.dcmread(newest)
+    report.remove_private_tags()
+    report.save_as(newest)
+    for command in ("history", "info"):
+        run = Run(program, [command, folder])
+        checks.that(" (read from its standard content)" in run.out, f"{command} tells of a report without archive", run)
+    del report.ContentTime
+    report.save_as(newest)
+    run = Run(program, ["history", folder])
+    checks.that("(no time)" in run.out, "history shows a report without a time", run)
+    told(checks, Run(program, ["info", study]), 0, "Labels   none stored")
+
+
+def interrupted(program, arguments, begun):
+    """The status and messages of a run that gets the interrupt key as soon as `begun` says so."""
+    with subprocess.Popen([program, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.PIPE, text=True) as process:
+        while not begun(process) and process.poll() is None:
+            time.sleep(0.001)
+        process.send_signal(signal.SIGINT)
+        _, messages = process.communicate(timeout=300)
+    return process.returncode, messages
+
+
+def listens(process):
+    """Whether it catches the interrupt key by now."""
+    try:
+        text = pathlib.Path(f"/proc/{process.pid}/status").read_text()
+    except OSError:
+        return True
+    caught = [line.split()[1] for line in text.splitlines() if line.startswith("SigCgt:")]
+    return bool(caught) and int(caught[0], 16) >> (signal.SIGINT - 1) & 1 == 1
+
+
+def check_interrupts(checks, program, study, top):
+    """Each kind of long work, begun on a study that takes a while."""
+    long = top / "long"
+    for number in range(20):
+        shutil.copytree(study, long / str(number), copy_function=os.link)
+    database = top / "database"
+    cases = [
+        (["info", long], listens, f"Interrupted while reading {long}; nothing was changed."),
+        (["import", long, "--database", database], listens,
+         f"Interrupted: the database {database} is as it was before."),
+        (["phantom", "--region", "lumbar", "--ct", "--out", top / "new"], lambda _: list((top / "new").glob("*/*")),
+         f"Interrupted; nothing was left in {top / 'new'}."),
+    ]
+    for arguments, begun, sentence in cases:
+        status, messages = interrupted(program, arguments, begun)
+        checks.that(status == 1 and messages == f"vertana: {sentence}\n", f"{arguments}: {status}, {messages}")
+    pictures = top / "pictures"
+    if Run(program, ["render", study, "--out", top / "all pictures"]).status == 0:  # the painting module is built
+        arguments = ["render", study, "--out", pictures]
+        status, messages = interrupted(program, arguments, lambda _: list(pictures.glob("*.png")))
+        checks.that(status == 1 and messages == "vertana: Interrupted while painting.\n", f"{status}, {messages}")
+
+    script = top / "script"
+    os.mkfifo(script)
+    (top / "play.json").write_text('{"steps": [{"do": "dump"}]}')
+    with subprocess.Popen([program, "play", str(script)], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                          text=True) as process:
+        with open(script, "w", encoding="utf-8") as pipe:  # which waits for the other end
+            process.send_signal(signal.SIGINT)
+            pipe.write('{"steps": [{"do": "dump"}]}')
+        out, messages = process.communicate(timeout=300)
+    checks.that(process.returncode == 1 and out == "" and messages ==
+                'vertana: Step 1 of 1, "dump": Interrupted before it.\n', f"a script: {out}, {messages}")
+
+
+def check_demo(checks, program):
+    for folder in ("/proc", "/nowhere at all"):
+        done = subprocess.run([program, "demo"], env=dict(os.environ, TMPDIR=folder), capture_output=True, text=True,
+                              stdin=subprocess.DEVNULL, check=False)
+        checks.that(done.returncode == 1 and done.stdout == "" and done.stderr ==
+                    "vertana: The temporary folder cannot be written to: give --out DIR.\n", f"{folder}: {done}")
+
+
+def main():
+    program = sys.argv[1]
+    checks = Checks()
+    with tempfile.TemporaryDirectory(prefix="vertana-e2e-") as temporary:
+        top = pathlib.Path(temporary)
+        study = phantom(program, top / "study", "--region", "lumbar", "--angled-axials")
+        check_without_images(checks, program, study / "SE01" / "IM0001.dcm", top)
+        check_left_out(checks, program, study, top / "mixed")
+        check_past(checks, program, study, top)
+        check_interrupts(checks, program, study, top)
+        check_demo(checks, program)
+    checks.finish()
+
+
+main()
