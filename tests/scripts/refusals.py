@@ -39,6 +39,7 @@ ROWS = [
     ([SHOW, {"do": "undo"}], 1, 2, "There is nothing to undo."),
     ([SHOW, {"do": "addReport", "path": "lumbar", "file": "none.dcm"}], 3, 2, "none.dcm does not exist."),
     ([SHOW, {"do": "addReport", "path": "nowhere", "file": "text"}], 3, 2, "nowhere does not exist."),
+    ([SHOW, {"do": "addReport", "path": "/proc", "file": "text"}], 1, 2, "text could not be copied to /proc/text: "),
     # The whole script is checked before its first step.
     ([{"do": "openStudy", "path": "nowhere"}, {"do": "dump"}, {"do": "zoom", "viewer": 0, "scale": "1"}], 2, 3,
      "\"scale\" must be a number."),
@@ -72,10 +73,11 @@ def main():
             (folder / "script").write_text(json.dumps({"steps": steps + [{"do": "dump"}]}))
             failed += check(play(program, folder, "script"), status, [f"Step {step} of {len(steps) + 1}", part])
         shutil.rmtree(folder / "neck")
-        failed += check(play(program, folder, "absent"), 3, ["The script absent cannot be read"])
+        failed += check(play(program, folder, "absent"), 3, ["The script absent cannot be read: check that there is such a file."])
         failed += check(play(program, folder, "text"), 3, ["The script is not JSON"])
         (folder / "script").write_text(json.dumps({"steps": [{"do": "addReport", "path": "lumbar", "file": "text"}]}))
-        failed += check(play(program, folder, "script", "--database", "base"), 1, ["text was not added"])
+        failed += check(play(program, folder, "script", "--database", "base"), 1, 
+                        ["text was not added: it is no DICOM object, or the database holds it already."])
     print(f"{len(ROWS) + 3} refusals, {failed} failed")
     sys.exit(1 if failed else 0)
 
