@@ -9,7 +9,7 @@ namespace cli {
 
 using pelmar::Value;
 
-std::vector<LearntTerm> learntTerms(const Value& stored) {
+std::vector<LearntTerm> termsIn(const Value& stored) {
   std::vector<LearntTerm> terms;
   if (!stored.array()) return terms;
   for (const auto& record : *stored.array()) {

@@ -17,7 +17,7 @@ struct LearntTerm {
 };
 
 /// In stored order; none for nil.
-std::vector<LearntTerm> learntTerms(const pelmar::Value& stored);
+std::vector<LearntTerm> termsIn(const pelmar::Value& stored);
 
 /// How a term is listed: printable, and two quotation marks for the empty one.
 std::string listedTerm(const std::string& text);

@@ -14,14 +14,14 @@ using nlohmann::ordered_json;
 
 namespace {
 
-std::string regionTitle(int region) {
+std::string titleOfRegion(int region) {
   const auto name = regionName(region);
   return name == "none" ? "region " + std::to_string(region) : name;
 }
 
 void printTerms(std::ostream& out, const std::vector<LearntTerm>& terms) {
   if (terms.empty()) out << "Nothing was learnt from study descriptions yet.\n";
-  for (const auto& term : terms) out << padded(regionTitle(term.region), 10) << listedTerm(term.text) << '\n';
+  for (const auto& term : terms) out << padded(titleOfRegion(term.region), 10) << listedTerm(term.text) << '\n';
 }
 
 void printTermsAsJson(std::ostream& out, const std::vector<LearntTerm>& terms) {
@@ -32,7 +32,7 @@ void printTermsAsJson(std::ostream& out, const std::vector<LearntTerm>& terms) {
 
 int forgetTerm(PersonDefaults& defaults, const std::string& asked) {
   const auto stored = defaults.learntTerms();
-  const auto term = findTerm(learntTerms(stored), asked);
+  const auto term = findTerm(termsIn(stored), asked);
   if (!term) {
     return fail({ExitNotAllowed, "'" + asked + "' is no learnt term: give one exactly as vertana terms lists it."});
   }
@@ -42,7 +42,7 @@ int forgetTerm(PersonDefaults& defaults, const std::string& asked) {
 }
 
 int forgetAllTerms(PersonDefaults& defaults) {
-  const auto count = learntTerms(defaults.learntTerms()).size();
+  const auto count = termsIn(defaults.learntTerms()).size();
   if (!defaults.saveLearntTerms(std::nullopt)) return ExitNotAllowed;
   std::cout << "Forgotten: " << counted(count, "term", "terms") << '\n';
   return ExitDone;
@@ -56,7 +56,7 @@ int runTerms(const TermsArguments& arguments) {
   if (!defaults.readable()) return ExitUnreadable;  // which has been said
   if (arguments.forget) return forgetTerm(defaults, *arguments.forget);
   if (arguments.forgetAll) return forgetAllTerms(defaults);
-  const auto terms = learntTerms(defaults.learntTerms());
+  const auto terms = termsIn(defaults.learntTerms());
   arguments.json ? printTermsAsJson(std::cout, terms) : printTerms(std::cout, terms);
   return ExitDone;
 }

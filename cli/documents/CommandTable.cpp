@@ -22,7 +22,7 @@ const std::map<std::string, ValueFacts>& knownValues() {
     std::map<std::string, ValueFacts> values;
     for (const char* name : {"DIR", "STUDY"}) values[name].kind = ValueKind::folder;
     for (const char* name : {"FILE", "PATH", "SCRIPT"}) values[name].kind = ValueKind::file;
-    for (const char* name : {"N", "K", "OBJECT", "TERM", "X0,Y0,X1,Y1", "X0,Y0,X1,Y1,..."}) {
+    for (const char* name : {"N", "K", "FORMAT", "OBJECT", "TERM", "X0,Y0,X1,Y1", "X0,Y0,X1,Y1,..."}) {
       values[name].kind = ValueKind::text;
     }
     values["REGION"] = {"", ValueKind::words, regionNames()};

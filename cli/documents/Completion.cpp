@@ -65,7 +65,7 @@ void writeValues(std::ostream& out, const CommandFacts& command) {
 }
 
 /// Options after a dash, and where the command takes no argument; else the argument.
-void writeCommand(std::ostream& out, const CommandFacts& command) {
+void writeCase(std::ostream& out, const CommandFacts& command) {
   const ValueFacts* argument = nullptr;
   for (const auto& option : command.options) {
     if (option.names.empty()) argument = &*option.value;
@@ -89,7 +89,7 @@ void writeCompletion(std::ostream& out, const ProgramFacts& facts) {
       << "\" \"$word\"\n    return\n  fi\n  case \"$command $option\" in\n";
   for (const auto& command : facts.commands) writeValues(out, command);
   out << "  esac\n  case $command in\n";
-  for (const auto& command : facts.commands) writeCommand(out, command);
+  for (const auto& command : facts.commands) writeCase(out, command);
   out << "  esac\n}\n\ncomplete -F _vertana vertana\n";
 }
 

@@ -17,7 +17,7 @@ Value threeRegions() {
 }
 
 TEST(LearntTerms, AreListedInStoredOrderWithTheirRegion) {
-  const auto terms = learntTerms(threeRegions());
+  const auto terms = termsIn(threeRegions());
   ASSERT_EQ(terms.size(), 4U);
   EXPECT_EQ(terms[0].text, "hws");
   EXPECT_EQ(terms[0].region, 0);
@@ -27,10 +27,10 @@ TEST(LearntTerms, AreListedInStoredOrderWithTheirRegion) {
 }
 
 TEST(LearntTerms, WhatHasAnotherShapeHoldsNone) {
-  EXPECT_TRUE(learntTerms(Value()).empty());
-  EXPECT_TRUE(learntTerms(Value("hws")).empty());
-  EXPECT_TRUE(learntTerms(Value(Value::Array{Value(3), Value("hws"), recordOf(0, {Value(4)})})).empty());
-  EXPECT_TRUE(learntTerms(Value(Value::Array{Value(Value::Dictionary{{"terms", Value("hws")}})})).empty());
+  EXPECT_TRUE(termsIn(Value()).empty());
+  EXPECT_TRUE(termsIn(Value("hws")).empty());
+  EXPECT_TRUE(termsIn(Value(Value::Array{Value(3), Value("hws"), recordOf(0, {Value(4)})})).empty());
+  EXPECT_TRUE(termsIn(Value(Value::Array{Value(Value::Dictionary{{"terms", Value("hws")}})})).empty());
 }
 
 TEST(LearntTerms, AreListedSoThatATerminalShowsThem) {
@@ -40,7 +40,7 @@ TEST(LearntTerms, AreListedSoThatATerminalShowsThem) {
 }
 
 TEST(LearntTerms, AreFoundAsStoredAndAsListed) {
-  const auto terms = learntTerms(threeRegions());
+  const auto terms = termsIn(threeRegions());
   EXPECT_EQ(findTerm(terms, "LWS nativ"), "LWS nativ");
   EXPECT_EQ(findTerm(terms, "neck\x1b[2J"), "neck\x1b[2J");
   EXPECT_EQ(findTerm(terms, "neck?[2J"), "neck\x1b[2J");
@@ -51,7 +51,7 @@ TEST(LearntTerms, AreFoundAsStoredAndAsListed) {
 }
 
 TEST(LearntTerms, TheStoredOneComesBeforeOneThatIsListedAlike) {
-  const auto terms = learntTerms(Value(Value::Array{recordOf(0, {Value("a\x01"), Value("a?")})}));
+  const auto terms = termsIn(Value(Value::Array{recordOf(0, {Value("a\x01"), Value("a?")})}));
   EXPECT_EQ(findTerm(terms, "a?"), "a?");
 }
 
