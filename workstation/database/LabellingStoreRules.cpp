@@ -37,6 +37,8 @@ void LabellingStore::Interior::add(MadeReport report) {
   const std::optional<SavedLabelling>& last = study.unsaved.empty() ? study.lastSeen : study.unsaved.back().labelling;
   if (last && sameInSinglePrecision(*last, *report.labelling)) return;
   study.lastSeen = report.labelling;
+  // Now, while the plug-in holds this labelling: when the report's turn comes it may hold another study's.
+  if (!report.labelling->isEmpty() && !report.context) report.context = askedContext(report.studyUid);
   const std::string studyUid = report.studyUid;
   study.unsaved.push_back(std::move(report));
   retry(studyUid);
@@ -75,6 +77,7 @@ void LabellingStore::Interior::paletteClosed() {
   if (!paletteStudy_) return;
   StudyState& study = studies_[*std::exchange(paletteStudy_, std::nullopt)];
   if (auto held = std::exchange(study.held, std::nullopt)) add(*std::move(held));
+  retryAll();
 }
 
 const MadeReport* LabellingStore::Interior::unsaved(const std::string& studyUid) const {

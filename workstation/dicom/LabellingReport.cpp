@@ -21,15 +21,14 @@ namespace workstation {
 namespace {
 
 /// Attributes of the patient and the study (PS3.3 C.7.1.1, C.7.2.1, C.7.2.2, C.12.1.1) that a report shares with the
-/// images: those that it must have, with or without a value, and those that it has when the images have them.
+/// images: those that it must have, with or without a value, and those that it has when the images have them. Not their
+/// time zone: the report's own times are of this machine's.
 const std::array requiredTags = {
     DCM_PatientName,     DCM_PatientID, DCM_PatientBirthDate,       DCM_PatientSex,      DCM_StudyDate, DCM_StudyTime,
     DCM_AccessionNumber, DCM_StudyID,   DCM_ReferringPhysicianName, DCM_StudyInstanceUID};
-const std::array optionalTags = {DCM_SpecificCharacterSet,  DCM_TimezoneOffsetFromUTC,
-                                 DCM_StudyDescription,      DCM_IssuerOfPatientID,
-                                 DCM_PatientBirthTime,      DCM_PatientAge,
-                                 DCM_PatientSize,           DCM_PatientWeight,
-                                 DCM_EthnicGroup,           DCM_PatientIdentityRemoved,
+const std::array optionalTags = {DCM_SpecificCharacterSet,  DCM_StudyDescription, DCM_IssuerOfPatientID,
+                                 DCM_PatientBirthTime,      DCM_PatientAge,       DCM_PatientSize,
+                                 DCM_PatientWeight,         DCM_EthnicGroup,      DCM_PatientIdentityRemoved,
                                  DCM_DeidentificationMethod};
 const std::array optionalSequences = {DCM_DeidentificationMethodCodeSequence, DCM_IssuerOfPatientIDQualifiersSequence,
                                       DCM_IssuerOfAccessionNumberSequence, DCM_OtherPatientIDsSequence};

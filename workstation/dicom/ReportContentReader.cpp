@@ -140,11 +140,26 @@ class ContentReader {
       for (const Item& group : measurements->children())
         if (group.is("CONTAINER", term::measurementGroup) && !readGroup(group)) return false;
     const auto& levels = content_.labelling.levels;
-    return levels ? levels->empty() != expectsLevels_ : !expectsLevels_;
+    return levels ? levels->empty() != expectsLevels_ && isWhole() : !expectsLevels_;
   }
   ReportContent& content() { return content_; }
 
  private:
+  /// One level lost, and all below it would be taken for their neighbours. What has no names of levels, or no region,
+  /// cannot be judged.
+  bool isWhole() const {
+    const SavedLabelling& labelling = content_.labelling;
+    const int region = labelling.anatomicalRegion.value_or(-1);
+    if (region == -1 || labelling.levels->empty()) return true;
+    std::vector<std::string_view> names;
+    for (const SavedLevel& level : *labelling.levels) {
+      if (!levelCode(level.name)) return true;
+      names.push_back(level.name);
+    }
+    const auto& extra = labelling.additionalVertebra;
+    return areLevelsOfRegion(names, region, extra.value_or(false)) || (!extra && areLevelsOfRegion(names, region, true));
+  }
+
   bool readEvaluations(const Item& evaluations) {
     const std::optional<Item> state = evaluations.child("CODE", term::labellingState);
     if (!state) return false;

@@ -1,5 +1,7 @@
 #include "workstation/dicom/SpineCodes.h"
 
+#include <algorithm>
+#include <functional>
 #include <span>
 
 namespace workstation {
@@ -134,6 +136,22 @@ std::optional<std::string_view> nameIn(std::span<const Term> terms, const Code& 
   return std::nullopt;
 }
 
+/// From the end of one region to that of the next. A region with a vertebra more ends below that.
+struct RegionEnds {
+  std::string_view first;
+  std::string_view last;
+  std::string_view lastWithExtra;
+};
+
+constexpr RegionEnds regionEnds[] = {
+    {"C0-C1", "C7-T1", "C8-T1"}, {"C7-T1", "T12-L1", "T13-L1"}, {"T12-L1", "L5-S1", "L6-S1"}};
+
+/// Atlas and axis have no disc between them. Any other vertebra below a disc lies above the next one.
+bool areNeighbours(std::string_view above, std::string_view below) {
+  if (above == "C0-C1") return below == "C2-C3";
+  return above.substr(above.find('-') + 1) == below.substr(0, below.find('-'));
+}
+
 }  // namespace
 
 std::optional<Code> levelCode(std::string_view disc) { return codeIn(levels, disc); }
@@ -152,6 +170,13 @@ std::optional<int> regionOfCode(const Code& code) {
   for (int region = -1; region <= 2; ++region)
     if (regionCode(region) == code) return region;
   return std::nullopt;
+}
+
+bool areLevelsOfRegion(const std::vector<std::string_view>& discs, int region, bool additionalVertebra) {
+  if (region < 0 || region > 2 || discs.empty()) return false;
+  const RegionEnds& ends = regionEnds[region];
+  return discs.front() == ends.first && discs.back() == (additionalVertebra ? ends.lastWithExtra : ends.last) &&
+         std::adjacent_find(discs.begin(), discs.end(), std::not_fn(areNeighbours)) == discs.end();
 }
 
 }  // namespace workstation

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace workstation {
 
@@ -25,6 +26,9 @@ std::optional<Code> discCode(std::string_view disc);
 std::optional<Code> vertebraCode(std::string_view vertebra);
 /// A region: -1 none, 0 cervical, 1 thoracic, 2 lumbar; nothing for any other number.
 std::optional<Code> regionCode(int region);
+
+/// Whether these are all levels of a region (0 cervical, 1 thoracic, 2 lumbar), from head to foot, none left out.
+bool areLevelsOfRegion(const std::vector<std::string_view>& discs, int region, bool additionalVertebra);
 
 /// What the codes above stand for; nothing for any other code.
 std::optional<std::string_view> discOfLevelCode(const Code& code);

@@ -105,6 +105,7 @@ std::shared_ptr<Viewer> Host::openViewer(const StackId& stack) {
 
 void Host::closeViewer(const std::shared_ptr<Viewer>& viewer) {
   if (!isOpen(*viewer)) return;
+  if (leaving_) leaving_();
   // The list must not hold it any more while its closing is posted, but it must still be whole.
   const std::shared_ptr<Viewer> closing = viewer;
   std::erase(viewers_, closing);
@@ -115,6 +116,7 @@ void Host::closeViewer(const std::shared_ptr<Viewer>& viewer) {
 }
 
 void Host::switchSeries(Viewer& viewer, const StackId& stack) {
+  if (leaving_) leaving_();
   viewer.post(pelmar::PelmarViewerWillChangeNotification);
   viewer.setLoaded(false);
   putAway(viewer);

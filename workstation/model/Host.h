@@ -53,6 +53,8 @@ class Host final : public pelmar::PelmarAPI {
   /// The stack must exist. The viewer is in front and its loaded-notification has been posted.
   std::shared_ptr<Viewer> openViewer(const StackId& stack);
   /// A viewer that is not open: nothing.
+  /// Called before a viewer lets go of what it shows.
+  void setLeaving(std::function<void()> leaving) { leaving_ = std::move(leaving); }
   void closeViewer(const std::shared_ptr<Viewer>& viewer);
   void switchSeries(Viewer& viewer, const StackId& stack);
   void bringToFront(const std::shared_ptr<Viewer>& viewer);
@@ -111,6 +113,7 @@ class Host final : public pelmar::PelmarAPI {
   Desktop desktop_;
   Text text_;
   PaletteWindows palettes_;
+  std::function<void()> leaving_;
   AnnotationStash stash_;
   Undo undo_;
   std::map<std::string, std::shared_ptr<StudyObject>> studies_;

@@ -9,7 +9,9 @@
 namespace workstation {
 
 struct Workstation::Interior {
-  explicit Interior(Options options) : host(std::move(options)) {}
+  explicit Interior(Options options) : host(std::move(options)) {
+    host.setLeaving([this] { rememberDrawnStack(); });
+  }
 
   Host host;
   std::unique_ptr<PluginHandle> plugin;  ///< goes before the host
@@ -27,8 +29,17 @@ struct Workstation::Interior {
     return host.events().run(operation);
   }
 
-  /// The stack on which the curve in the plug-in's memory lies, when it is one of this study.
+  /// The stack on which the curve in the plug-in's memory lies, or lay until its viewer let go of it, when it is one of
+  /// this study.
   std::optional<StackId> drawnStack(const std::string& studyUid) const;
+  void rememberDrawnStack();
+  pelmar::Ref<pelmar::ROI> curve() const;
+
+  struct Drawn {
+    pelmar::Ref<pelmar::ROI> curve;
+    StackId stack;
+  };
+  std::optional<Drawn> drawn;  ///< of the last curve whose viewer let go of it
 
   /// The open viewer with this number; null when there is none.
   std::shared_ptr<Viewer> find(int number) const;

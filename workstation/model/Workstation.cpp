@@ -31,6 +31,7 @@ void Workstation::Interior::letGoOfPlugin() {
   // What the plug-in left with the host has code in its module, which may be unloaded with the handle.
   host.notifications().removeAll();
   host.palettes().forgetPlugin();
+  drawn.reset();
   plugin.reset();
 }
 

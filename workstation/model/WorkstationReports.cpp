@@ -24,16 +24,29 @@ std::map<std::string, int> framesByObject(const Study& study) {
 
 }  // namespace
 
-std::optional<StackId> Workstation::Interior::drawnStack(const std::string& studyUid) const {
-  if (!plugin) return std::nullopt;
+pelmar::Ref<pelmar::ROI> Workstation::Interior::curve() const {
+  if (!plugin) return {};
   const pelmar::Value state = plugin->filter().stateSnapshot();
-  if (!state.dictionary()) return std::nullopt;
-  const auto curve = state.dictionary()->find("openPolygonROI");
-  if (curve == state.dictionary()->end()) return std::nullopt;
-  const auto roi = ref_cast<pelmar::ROI>(curve->second.object());
-  const auto viewer = ref_cast<Viewer>(roi->curView()->viewer());
-  if (!viewer || viewer.get()->stackId().studyUid != studyUid) return std::nullopt;
-  return viewer.get()->stackId();
+  const auto* entries = state.dictionary();
+  const auto found = entries ? entries->find("openPolygonROI") : pelmar::Value::Dictionary::const_iterator();
+  return entries && found != entries->end() ? ref_cast<pelmar::ROI>(found->second.object())
+                                            : pelmar::Ref<pelmar::ROI>();
+}
+
+void Workstation::Interior::rememberDrawnStack() {
+  const auto roi = curve();
+  if (const auto viewer = ref_cast<Viewer>(roi->curView()->viewer())) drawn = {roi, viewer.get()->stackId()};
+}
+
+std::optional<StackId> Workstation::Interior::drawnStack(const std::string& studyUid) const {
+  const auto roi = curve();
+  std::optional<StackId> stack;
+  if (const auto viewer = ref_cast<Viewer>(roi->curView()->viewer())) {
+    stack = viewer.get()->stackId();
+  } else if (roi && drawn && drawn->curve == roi) {
+    stack = drawn->stack;
+  }
+  return stack && stack->studyUid == studyUid ? stack : std::nullopt;
 }
 
 std::optional<std::string> Workstation::levelOfSlice(const StackId& id, std::size_t slice) const {

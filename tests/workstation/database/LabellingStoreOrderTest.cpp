@@ -328,5 +328,36 @@ TEST_F(StoreOrder, ItIsRememberedUntilTheReportCanBeWritten) {
   EXPECT_EQ(shelf.files[0].report.context.frameOfReferenceUid, "6.6");
 }
 
+TEST_F(StoreOrder, EachReportThatWaitsSaysWhatThePluginHeldWhenItWasMade) {
+  std::string held;
+  store->setContextSource([&](const std::string&) {
+    ReportContext context;
+    context.verticalSeriesUid = held;
+    return std::optional(context);
+  });
+  store->setFailing(true);
+  for (const int number : {1, 2}) {
+    held = "held at " + std::to_string(number);
+    plugin.save(lumbar(number));
+  }
+  held = "another study's planes";
+  store->setFailing(false);
+  store->quitting();
+  ASSERT_EQ(shelf.files.size(), 2u);
+  EXPECT_EQ(shelf.files[0].report.context.verticalSeriesUid, "held at 1");
+  EXPECT_EQ(shelf.files[1].report.context.verticalSeriesUid, "held at 2");
+}
+
+TEST_F(StoreOrder, ClosingThePaletteTriesAgain) {
+  store->setFailing(true);
+  plugin.save(lumbar(1));
+  ASSERT_TRUE(shelf.files.empty());
+  store->paletteOpened(study);
+  ASSERT_TRUE(shelf.files.empty());
+  store->setFailing(false);
+  store->paletteClosed();
+  EXPECT_EQ(shelf.files.size(), 1u);
+}
+
 }  // namespace
 }  // namespace workstation::test

@@ -97,6 +97,19 @@ TEST(ReportContent, IsReadWhateverOthersHaveAddedToIt) {
   EXPECT_EQ(report.content, inSinglePrecision(labellingOf(2, false)));
 }
 
+TEST(ReportContent, IsNotReadWhenALevelIsMissing) {
+  for (const unsigned long level : {0UL, 2UL, 5UL}) {
+    const StoredReport report = afterEdit([&](DcmDataset& dataset) {
+      const std::vector<DcmItem*> regions = contentItems(dataset, "CONTAINER", "126010");
+      ASSERT_EQ(regions.size(), 1U);
+      DcmSequenceOfItems* groups = nullptr;
+      ASSERT_TRUE(regions[0]->findAndGetSequence(DCM_ContentSequence, groups).good());
+      delete groups->remove(level);
+    });
+    EXPECT_FALSE(report.content) << level << ": the levels below would be taken for their neighbours";
+  }
+}
+
 TEST(ReportContent, IsReadWithNumbersThatHaveNoFloatingPointValue) {
   SavedLabelling labelling = labellingOf(2, false);
   for (SavedLevel& level : *labelling.levels) level.vector = {0.25, -0.5, 1234.5};

@@ -103,7 +103,22 @@ TEST_F(ReportContexts, NameTheSeriesOnWhichTheCurveLies) {
   EXPECT_FALSE(context->verticalImages[0].multiFrame);
 
   ASSERT_TRUE(workstation.closeViewer(coronal));
-  EXPECT_EQ(workstation.reportContext("1.2.3")->verticalSeriesUid, "1.1") << "a closed viewer shows no curve";
+  EXPECT_EQ(workstation.reportContext("1.2.3")->frameOfReferenceUid, "8.8") << "its planes lie there all the same";
+  plugin->curve = nullptr;
+  EXPECT_EQ(workstation.reportContext("1.2.3")->verticalSeriesUid, "1.1");
+}
+
+TEST_F(ReportContexts, NameTheSeriesOnWhichTheCurveLayWhenItsViewerShowsAnother) {
+  auto images = test::smallStudy();
+  for (int instance : {1, 2}) images.push_back(test::coronal("1.3", 3, instance, instance));
+  workstation.addImages(images);
+  loadPlugin();
+  const int viewer = *workstation.openViewer({"1.2.3", 2, 0});
+  ASSERT_TRUE(workstation.drawLine(viewer, 0, {10, 10}, {10, 60}));
+  plugin->curve = workstation.annotations(viewer).front().roi;
+  ASSERT_TRUE(workstation.switchSeries(viewer, {"1.2.3", 0, 0}));
+  EXPECT_EQ(workstation.reportContext("1.2.3")->verticalSeriesUid, "1.3");
+  EXPECT_EQ(workstation.reportContext("9.9"), std::nullopt);
 }
 
 TEST_F(ReportContexts, RefersToFramesOfAMultiFrameObject) {
