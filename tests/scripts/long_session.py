@@ -2,8 +2,11 @@
 """A long session: 1,000 drags of the curve's vertices on a study of 150 slices. Its dumps are complete, and the same to
 the byte when it is played again on a fresh copy of the study.
 
-usage: long_session.py VERTANA [--seconds LIMIT]     with a limit: the time that the faster play took, and a failure
-                                                     where that is over the limit
+usage: long_session.py VERTANA [--seconds LIMIT]
+
+With a limit it prints what the faster play took, and fails where the processor was busy with it for longer. Time that
+passed while other programs had the processor does not count; on a machine that has nothing else to do both are the
+same, since the command neither waits nor uses a second processor.
 
 The study has two sagittal series of 15 slices and three axial ones of 40. Curve, planes and the name of each axial
 slice are worked out by the naming oracle from the places that the vertices were dragged to.
@@ -12,6 +15,7 @@ import json
 import math
 import os
 import pathlib
+import resource
 import shutil
 import subprocess
 import sys
@@ -76,12 +80,18 @@ def script():
     return {"steps": steps}, at_dumps
 
 
+def processor_seconds():
+    """Of the programs that were run so far."""
+    used = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return used.ru_utime + used.ru_stime
+
+
 def play(program, folder):
-    """What is printed, and the seconds that it took."""
-    began = time.monotonic()
+    """What is printed, the seconds that the processor was busy with it, and those that passed."""
+    began, busy = time.monotonic(), processor_seconds()
     done = subprocess.run([program, "play", "script.json"], cwd=folder, stdin=subprocess.DEVNULL, capture_output=True,
                           timeout=600, check=False, env=dict(os.environ, XDG_CONFIG_HOME=str(folder / "settings")))
-    seconds = time.monotonic() - began
+    seconds = processor_seconds() - busy, time.monotonic() - began
     if done.returncode != 0 or done.stderr:
         sys.exit(f"FAILED: status {done.returncode}: {done.stderr.decode()[:2000]}")
     return done.stdout, seconds
@@ -146,8 +156,10 @@ def main():
     for line, vertices in zip(lines, at_dumps):
         problems += differences_of(json.loads(line), vertices, phantom)
     if limit is not None:
-        print(f"{DRAGS} drags on 150 slices, {len(lines)} dumps: {min(seconds):.2f} s (limit {limit:g} s)")
-        if min(seconds) > limit:
+        busy, passed = min(seconds)
+        print(f"{DRAGS} drags on 150 slices, {len(lines)} dumps: {busy:.2f} s of the processor (limit {limit:g} s), "
+              f"{passed:.2f} s passed")
+        if busy > limit:
             problems.append(f"the session takes longer than {limit:g} s")
     for problem in problems:
         print(f"FAILED: {problem}")
