@@ -11,7 +11,9 @@
 #include "cli/Console.h"
 #include "cli/LabelReport.h"
 #include "cli/Labelling.h"
+#include "cli/Pictures.h"
 #include "cli/StudySession.h"
+#include "workstation/render/RenderLoader.h"
 
 namespace cli {
 
@@ -97,6 +99,30 @@ bool sameNames(const Labelling& a, const Labelling& b) {
                     });
 }
 
+Expected<std::vector<std::filesystem::path>> paintInto(const std::filesystem::path& pictures, const std::string& folder,
+                                                       const std::string& study) {
+  const auto module = workstation::loadRenderModule(renderModulePath());
+  if (!module) return Failure{ExitNotAllowed, module.problem};
+  std::error_code error;
+  std::filesystem::create_directory(pictures, error);
+  if (error) return Failure{ExitNotAllowed, pictures.string() + " cannot be made: " + error.message() + "."};
+  auto source = StudySource::open(folder, "");
+  if (!source) return source.failure;
+  auto session = StudySession::open(**source, study);
+  return session ? paintStudy(**session, study, **module, pictures) : session.failure;
+}
+
+/// Pictures are no reason for the demonstration to fail: painting may not be built here.
+void printPictures(const std::string& folder, const std::string& study) {
+  std::cout << "\n4. Pictures of it\n\n";
+  const auto files = paintInto(std::filesystem::path(folder) / "pictures", folder, study);
+  if (!files) {
+    std::cout << "None. " << files.failure.sentence << '\n';
+    return;
+  }
+  for (const auto& file : *files) std::cout << file.string() << '\n';
+}
+
 void printWhatToTry(const std::string& folder, const std::vector<pelmar::PixelPoint>& points) {
   std::cout << "\nTry it yourself:\n  vertana show " << folder << "\n  vertana history " << folder
             << "\n  vertana label " << folder << " --polygon ";
@@ -145,6 +171,7 @@ int runDemo(const DemoArguments& arguments) {
   std::cout << "All " << reopened->slices.size() << " axial slices "
             << (same ? "carry the same names as before." : "should carry the same names as before, but do not.")
             << '\n';
+  printPictures(folder, study);
   printWhatToTry(folder, label.points);
   if (right && same) return ExitDone;
   return fail({ExitNotAllowed, "The demonstration went wrong: see above. Please report it with this text."});

@@ -88,6 +88,15 @@ std::vector<LabelledSlice> slicesByLevel(const Workstation& workstation, const s
 
 }  // namespace
 
+std::string labelledFrameOfReference(StudySession& session, const std::string& studyUid) {
+  const auto counting = session.store().counting(studyUid);
+  if (!counting || counting->labelling->isEmpty()) return {};
+  const auto context = contextOf(counting);
+  if (!context.frameOfReferenceUid.empty()) return context.frameOfReferenceUid;
+  const auto vertical = drawnStack(session.workstation(), studyUid, context);
+  return vertical ? session.workstation().stack(*vertical)->frameOfReferenceUid : std::string();
+}
+
 Expected<Labelling> storedLabelling(StudySession& session, const std::string& studyUid) {
   const auto counting = session.store().counting(studyUid);
   const auto none = [&](const std::string& why) {

@@ -13,7 +13,7 @@ packagesToBuild=(build-essential cmake ninja-build pkg-config libdcmtk-dev libop
                  libsqlitecpp-dev libutf8proc-dev)
 packagesToBuildOptional=(ccache qt6-base-dev fonts-dejavu-core)
 packagesToTest=("${packagesToBuild[@]}" libgtest-dev libgmock-dev libbenchmark-dev)
-packagesToTestOptional=("${packagesToBuildOptional[@]}" dcmtk dicom3tools libgdcm-tools python3-pydicom gobjc
+packagesToTestOptional=("${packagesToBuildOptional[@]}" dcmtk dicom3tools libgdcm-tools python3-pydicom python3-pil gobjc
                         libgnustep-base-dev gnustep-make libplist-utils groff-base man-db mandoc)
 packagesToTestPlugin=(build-essential cmake ninja-build libgtest-dev libgmock-dev)
 packagesToLint=("${packagesToTest[@]}" clang-14 clang-tidy-14)

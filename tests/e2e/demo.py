@@ -32,6 +32,12 @@ def main():
                     "every slice that cuts a disc has that disc's name in another process", run_show)
         checks.that(f"{len(cutting)} of the {len(cutting)} axial slices that cut a disc" in run.out,
                     "it says how many slices it named rightly", run)
+        pictures = sorted(path.name for path in (folder / "pictures").glob("*.png"))
+        if "None." in run.out:
+            checks.that("libvertana_render" in run.out, "without painting it says what is missing", run)
+        else:
+            checks.that(len(pictures) == 4 and all(name in run.out for name in pictures),
+                        f"it has painted each of the four series: {pictures}", run)
         same = re.search(r"All (\d+) axial slices carry the same names as before", run.out)
         checks.that(same is not None and int(same.group(1)) == len(shown),
                     "it says that all slices carry the same names after opening anew", run)
