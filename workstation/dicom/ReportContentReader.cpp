@@ -157,7 +157,8 @@ class ContentReader {
       names.push_back(level.name);
     }
     const auto& extra = labelling.additionalVertebra;
-    return areLevelsOfRegion(names, region, extra.value_or(false)) || (!extra && areLevelsOfRegion(names, region, true));
+    return areLevelsOfRegion(names, region, extra.value_or(false)) ||
+           (!extra && areLevelsOfRegion(names, region, true));
   }
 
   bool readEvaluations(const Item& evaluations) {
