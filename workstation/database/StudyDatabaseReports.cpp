@@ -62,6 +62,7 @@ std::vector<ReportSeries> StudyDatabase::reportSeries(const std::string& studyUi
     series.files.push_back(scan_.pathOf(report.file));
   }
   std::vector<ReportSeries> list;
+  list.reserve(byUid.size());
   for (auto& [uid, series] : byUid) list.push_back(std::move(series));
   std::stable_sort(list.begin(), list.end(),
                    [](const ReportSeries& a, const ReportSeries& b) { return a.seriesNumber < b.seriesNumber; });
