@@ -68,6 +68,7 @@ void StudyDatabase::readWithoutIndex(const std::string& reason) {
   notices_.push_back("The index " + indexFile_.string() + " cannot be used any longer because of an error (" + reason +
                      "): the studies are read from their files until the folder is opened again.");
   index_ = std::make_unique<Index>();
+  looksAtFiles_ = true;
   update(scan_.all(), {});
 }
 
@@ -81,15 +82,18 @@ Opened StudyDatabase::openDatabase(const fs::path& folder, const OpenOptions& op
                            "; name a folder that you may write to.");
   std::unique_ptr<StudyDatabase> database(
       new StudyDatabase(Kind::database, studies, "", folder / "index.sqlite", options));
-  database->openShared();
-  if (!database->update(database->scan_.all(), options.progress))
+  const bool isOld = database->openShared();
+  database->looksAtFiles_ = !(isOld && options.indexIsCurrent);
+  if (database->looksAtFiles_ && !database->update(database->scan_.all(), options.progress))
     return Opened::refused("Interrupted while reading " + folder.string() + "; nothing was changed.");
   return Opened::of(std::move(database));
 }
 
-void StudyDatabase::openShared() {
+/// False when there was none that could be used; there is an empty one now, shared or in memory.
+bool StudyDatabase::openShared() {
   const IndexLock lock(indexFile_.parent_path());
   OpenedIndex opened = openSharedIndex(indexFile_, false);
+  const bool isOld = opened.index != nullptr;
   const std::string what = "The index " + indexFile_.string();
   std::error_code error;
   const bool isNew = opened.condition == IndexCondition::missing;
@@ -103,10 +107,11 @@ void StudyDatabase::openShared() {
   if (!opened.index && opened.condition != IndexCondition::tooNew && opened.condition != IndexCondition::unusable)
     opened = openSharedIndex(indexFile_, true);
   index_ = std::move(opened.index);
-  if (index_) return;
+  if (index_) return isOld;
   notices_.push_back(what + " cannot be used because " + asPhrase(opened.reason) +
                      ": it is left as it is, and the studies are read from their files.");
   index_ = std::make_unique<Index>();
+  return false;
 }
 
 Opened StudyDatabase::openFolder(const fs::path& folderOrFile, const OpenOptions& options) {
@@ -175,6 +180,7 @@ bool StudyDatabase::isThereAfterAll(const FileStamp& file) const {
 }
 
 void StudyDatabase::refresh() {
+  if (!looksAtFiles_) return;
   const FolderListing listing = scan_.changed();
   if (!listing.folders.empty()) update(listing, {});
 }

@@ -42,6 +42,10 @@ struct OpenOptions {
   /// reading, and nothing is opened.
   Progress progress;
   DiskCalls disk;
+  /// Of a database folder: another process has just opened it, so the index says what lies there. The files are not
+  /// looked at then, neither on opening nor by refresh(); what is stored through the index is seen all the same.
+  /// Without effect where no index was found that can be used.
+  bool indexIsCurrent = false;
 };
 
 /// Of two kinds:
@@ -99,7 +103,7 @@ class StudyDatabase final : public ReportShelf {
   StudyDatabase(Kind kind, std::filesystem::path root, std::string onlyFile, std::filesystem::path indexFile,
                 const OpenOptions& options);
 
-  void openShared();
+  bool openShared();
   void openCopy();
   bool update(const FolderListing& listing, const Progress& progress);
   bool isThereAfterAll(const FileStamp& file) const;
@@ -115,6 +119,7 @@ class StudyDatabase final : public ReportShelf {
   std::filesystem::path indexFile_;  ///< empty when none may be kept
   DiskCalls disk_;
   FolderScan scan_;
+  bool looksAtFiles_ = true;  ///< false: the index is believed
   std::unique_ptr<Index> index_;
   std::vector<std::string> notices_;
 };

@@ -43,6 +43,41 @@ TEST_P(FolderSharingTest, EachSeesWhatTheOtherStores) {
   EXPECT_TRUE(two->notices().empty());
 }
 
+TEST(BelievedIndex, SeesWhatIsStoredThroughItButDoesNotLookAtTheFiles) {
+  TemporaryFolder source;
+  TemporaryFolder folder;
+  writeStudy(source.path());
+  const auto other = openAsDatabase(folder.path());
+  other->importFiles({source.path()});
+  std::size_t reads = 0;
+  OpenOptions options = countingReads(reads);
+  options.indexIsCurrent = true;
+  const auto image = other->anyImage(studyUid());
+  fs::copy_file(image, image.parent_path() / "by-hand.dcm");
+
+  const auto database = openAsDatabase(folder.path(), options);
+  EXPECT_EQ(reads, 0U);
+  EXPECT_EQ(database->images(studyUid()).size(), 3U);
+  EXPECT_TRUE(database->holdsStudy(studyUid()));
+  EXPECT_EQ(database->contents().copies.size(), 0U);
+  store(*other, lumbarAt(1), 1);
+  EXPECT_EQ(levelsIn(*database), std::vector<double>{1});
+  EXPECT_EQ(openAsDatabase(folder.path())->contents().copies.size(), 1U) << "the usual way looks";
+}
+
+TEST(BelievedIndex, ThatIsNotThereIsBuiltFromTheFiles) {
+  TemporaryFolder source;
+  TemporaryFolder folder;
+  writeStudy(source.path());
+  openAsDatabase(folder.path())->importFiles({source.path()});
+  fs::remove(folder.path() / "index.sqlite");
+  OpenOptions options;
+  options.indexIsCurrent = true;
+  const auto database = openAsDatabase(folder.path(), options);
+  EXPECT_EQ(database->images(studyUid()).size(), 3U);
+  EXPECT_EQ(database->notices().size(), 1U);
+}
+
 TEST_P(FolderSharingTest, ReportOfAnotherProcessIsSeen) {
   const auto database = open();
   EXPECT_TRUE(database->labellings(studyUid()).empty());
