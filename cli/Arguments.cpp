@@ -10,23 +10,24 @@ namespace cli {
 
 namespace {
 
-/// A whole number in decimal digits that fits the type.
+/// A whole number in decimal digits, within bounds.
 template <class Number>
-Expected<Number> parseWhole(const std::string& text, const std::string& option) {
+Expected<Number> parseWhole(const std::string& text, const std::string& option, Number least, Number most) {
   Number number{};
   const char* const end = text.data() + text.size();
   const auto [stopped, error] = std::from_chars(text.data(), end, number);
-  if (error == std::errc() && stopped == end) return number;
-  return Failure{ExitUsage, option + " takes a whole number from " +
-                                std::to_string(std::numeric_limits<Number>::min()) + " to " +
-                                std::to_string(std::numeric_limits<Number>::max()) + ": '" + text + "' is none."};
+  if (error == std::errc() && stopped == end && number >= least && number <= most) return number;
+  return Failure{ExitUsage, option + " takes a whole number from " + std::to_string(least) + " to " +
+                                std::to_string(most) + ": '" + text + "' is none."};
 }
 
 /// Fills in the number where the option was given.
 template <class Number, class Held>
-std::optional<Failure> readWhole(const std::optional<std::string>& text, const std::string& option, Held& number) {
+std::optional<Failure> readWhole(const std::optional<std::string>& text, const std::string& option, Held& number,
+                                 Number least = std::numeric_limits<Number>::min(),
+                                 Number most = std::numeric_limits<Number>::max()) {
   if (!text) return std::nullopt;
-  const auto parsed = parseWhole<Number>(*text, option);
+  const auto parsed = parseWhole<Number>(*text, option, least, most);
   if (!parsed) return parsed.failure;
   number = *parsed;
   return std::nullopt;
@@ -35,6 +36,9 @@ std::optional<Failure> readWhole(const std::optional<std::string>& text, const s
 Expected<Arguments> phantomArguments(RawArguments& raw) {
   raw.phantom.region = regionsByName.at(raw.phantomRegion);
   if (const auto problem = readWhole<std::uint64_t>(raw.seed, "--seed", raw.phantom.seed)) return *problem;
+  if (const auto problem = readWhole<int>(raw.imageSize, "--image-size", raw.phantom.imageSize, 16, 1024)) {
+    return *problem;
+  }
   return Arguments(raw.phantom);
 }
 
@@ -59,6 +63,14 @@ Expected<Arguments> labelArguments(RawArguments& raw) {
   }
   if (!raw.labelRegion.empty()) label.region = regionsByName.at(raw.labelRegion);
   return Arguments(label);
+}
+
+Expected<Arguments> showArguments(RawArguments& raw) {
+  if (raw.show.studies.empty() && raw.show.database.empty()) {
+    return Failure{ExitUsage, "show needs a STUDY, or --database DIR for all studies of a database: none was given."};
+  }
+  if (const auto problem = readWhole<int>(raw.jobs, "--jobs", raw.show.jobs, 1, mostJobs)) return *problem;
+  return Arguments(raw.show);
 }
 
 std::optional<Failure> checkCommandName(const CLI::App& app, int argc, const char* const* argv) {
@@ -144,7 +156,7 @@ Expected<Arguments> parseArguments(int argc, const char* const* argv) {
   if (command == "import") return Arguments(raw.import);
   if (command == "info") return Arguments(raw.info);
   if (command == "label") return labelArguments(raw);
-  if (command == "show") return Arguments(raw.show);
+  if (command == "show") return showArguments(raw);
   if (command == "history") return Arguments(raw.history);
   if (command == "restore") return Arguments(raw.restore);
   if (command == "render") return Arguments(raw.render);

@@ -23,6 +23,7 @@ struct PhantomArguments {
   bool extraVertebra = false;
   bool angledAxials = false;
   bool ct = false;
+  int imageSize = 0;  ///< rows and columns, 16 to 1024; 0: the usual ones
 };
 
 struct ImportArguments {
@@ -50,8 +51,9 @@ struct LabelArguments {
 };
 
 struct ShowArguments {
-  std::string study;
+  std::vector<std::string> studies;  ///< none: all of the database
   std::string database;
+  std::optional<int> jobs;  ///< processes at most, 1 to mostJobs; absent: one a processor
   bool json = false;
   bool csv = false;
 };
@@ -73,6 +75,8 @@ struct RenderArguments {
   std::string database;
   std::string outDir;
 };
+
+constexpr int mostJobs = 256;
 
 /// Lists where nothing is to be forgotten.
 struct TermsArguments {

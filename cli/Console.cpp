@@ -17,7 +17,9 @@ void rememberInterrupt(int) { interruptSeen = 1; }
 
 }  // namespace
 
-void printMessage(const std::string& sentence) { std::cerr << "vertana: " << printable(sentence) << '\n'; }
+std::string messageLine(const std::string& sentence) { return "vertana: " + printable(sentence) + '\n'; }
+
+void printMessage(const std::string& sentence) { std::cerr << messageLine(sentence); }
 
 int fail(const Failure& failure) {
   printMessage(failure.sentence);
@@ -30,8 +32,11 @@ bool interrupted() { return interruptSeen != 0; }
 
 ProgressLine::ProgressLine(const std::string& what) : what_(printable(what)), terminal_(isatty(STDERR_FILENO) == 1) {}
 
-ProgressLine::~ProgressLine() {
+ProgressLine::~ProgressLine() { hide(); }
+
+void ProgressLine::hide() {
   if (terminal_ && lastPercent_ <= 100) std::cerr << "\r\033[K" << std::flush;
+  lastPercent_ = 101;
 }
 
 bool ProgressLine::show(std::size_t done, std::size_t total) {

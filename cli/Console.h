@@ -8,7 +8,11 @@
 
 namespace cli {
 
-/// Prints one message line on standard error, after the program's name. What a terminal would obey is made harmless.
+/// A message as it is printed: after the program's name, with its line feed; what a terminal would obey is made
+/// harmless.
+std::string messageLine(const std::string& sentence);
+
+/// Prints one message line on standard error.
 void printMessage(const std::string& sentence);
 
 /// Prints the failure; its status.
@@ -27,11 +31,13 @@ class ProgressLine {
   ProgressLine& operator=(const ProgressLine&) = delete;
   /// Returns false when the person has interrupted the work.
   bool show(std::size_t done, std::size_t total);
+  /// Clears it, so that something else can be printed; it comes back with the next show().
+  void hide();
 
  private:
   std::string what_;
   bool terminal_;
-  std::size_t lastPercent_ = 101;
+  std::size_t lastPercent_ = 101;  ///< above 100: nothing is shown
 };
 
 }  // namespace cli

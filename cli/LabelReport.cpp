@@ -106,8 +106,9 @@ void printLabellingAsJson(std::ostream& out, const Labelling& labelling) {
   out << json.dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';
 }
 
+const char* const csvHeader = "study,kind,name,x,y,z,nx,ny,nz,series,stack,slice,sop,frame,sameFrameOfReference\n";
+
 void printLabellingAsCsv(std::ostream& out, const Labelling& labelling) {
-  out << "study,kind,name,x,y,z,nx,ny,nz,series,stack,slice,sop,frame,sameFrameOfReference\n";
   for (const auto& plane : labelling.planes) {
     out << csvField(labelling.studyUid) << ",disc," << csvField(plane.name);
     for (const double coordinate : plane.point) out << ',' << shortestText(coordinate);

@@ -13,7 +13,10 @@ void printLabelling(std::ostream& out, const Labelling& labelling, std::string_v
 /// For programs: one JSON object.
 void printLabellingAsJson(std::ostream& out, const Labelling& labelling);
 
-/// A table with a header line: a row a disc, then a row a slice. Texts are quoted where they need it (RFC 4180).
+/// The header line of the table.
+extern const char* const csvHeader;
+
+/// The rows of a table: one a disc, then one a slice. Texts are quoted where they need it (RFC 4180).
 void printLabellingAsCsv(std::ostream& out, const Labelling& labelling);
 
 }  // namespace cli

@@ -103,10 +103,11 @@ Expected<std::vector<PixelPoint>> draw(Workstation& workstation, int viewer, int
 
 }  // namespace
 
-void warnOfOtherFrames(const Labelling& labelling) {
+void warnOfOtherFrames(const Labelling& labelling, const std::string& title) {
   for (const auto& slice : labelling.slices) {
     if (slice.sameFrameOfReference) continue;
-    printMessage("Some axial slices lie in another frame of reference than the drawing: their levels are not sure.");
+    printMessage(title +
+                 " has axial slices in another frame of reference than the drawing: their levels are not sure.");
     return;
   }
 }

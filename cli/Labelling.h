@@ -55,8 +55,8 @@ Expected<Labelling> labelAndQuit(StudySession& session, const std::string& study
 /// The frame of reference of the labelling that the study holds; empty where it holds none.
 std::string labelledFrameOfReference(StudySession& session, const std::string& studyUid);
 
-/// Prints a caution where axial slices lie in another frame of reference than the labelling.
-void warnOfOtherFrames(const Labelling& labelling);
+/// Prints a caution where axial slices lie in another frame of reference than the labelling. `title` names the study.
+void warnOfOtherFrames(const Labelling& labelling, const std::string& title);
 
 /// The labelling that the study holds, with the level of every axial slice. Only reads: nothing is stored or learnt.
 /// A Failure says that the study holds none.

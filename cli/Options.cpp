@@ -33,6 +33,7 @@ void addPhantom(CLI::App& app, RawArguments& raw) {
   phantom->add_flag("--extra-vertebra", raw.phantom.extraVertebra, "One more vertebra: C8, T13 or L6");
   phantom->add_flag("--angled-axials", raw.phantom.angledAxials, "Also axial blocks tilted to the discs");
   phantom->add_flag("--ct", raw.phantom.ct, "A CT with 512 thin axial slices instead of an MR");
+  phantom->add_option("--image-size", raw.imageSize, "Rows and columns of every image, 16 to 1024")->type_name("N");
   phantom->footer("Example:\n  vertana phantom --region lumbar --angled-axials --out /tmp/spine");
 }
 
@@ -69,10 +70,13 @@ void addLabel(CLI::App& app, RawArguments& raw) {
 }
 
 void addShow(CLI::App& app, RawArguments& raw) {
-  auto* show = app.add_subcommand("show", "Print the stored labelling, slice by slice");
-  addStudy(*show, raw.show.study, raw.show.database);
+  auto* show = app.add_subcommand("show", "Print stored labellings, slice by slice");
+  show->add_option("STUDY", raw.show.studies, "Folders of DICOM files, or UIDs with --database")->type_name("");
+  show->add_option("--database", raw.show.database, "Database folder; without STUDY: all its studies")
+      ->type_name("DIR");
   auto* json = show->add_flag("--json", raw.show.json, "Print JSON for programs");
   show->add_flag("--csv", raw.show.csv, "Print a table: a row a disc, a row a slice")->excludes(json);
+  show->add_option("--jobs", raw.jobs, "Processes at once (default: one a processor)")->type_name("N");
   show->footer("Example:\n  vertana show /tmp/spine");
 }
 

@@ -25,8 +25,10 @@ struct RawArguments {
   TermsArguments terms;
   std::string phantomRegion;
   std::optional<std::string> seed;
+  std::optional<std::string> imageSize;
   std::optional<std::string> series;
   std::optional<std::string> slice;
+  std::optional<std::string> jobs;
   std::string labelRegion;
   std::string line;
   std::string polygon;

@@ -13,6 +13,7 @@ int runPhantom(const PhantomArguments& arguments) {
   options.extraVertebra = arguments.extraVertebra;
   options.angledAxials = arguments.angledAxials;
   options.ct = arguments.ct;
+  options.imageSize = arguments.imageSize;
   options.outDir = arguments.outDir;
   phantom::PhantomResult result;
   {

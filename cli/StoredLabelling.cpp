@@ -101,7 +101,7 @@ Expected<Labelling> storedLabelling(StudySession& session, const std::string& st
   const auto counting = session.store().counting(studyUid);
   const auto none = [&](const std::string& why) {
     return Failure{ExitNotAllowed,
-                   session.source().title() + " holds no labelling" + why + ": draw one with vertana label."};
+                   session.source().title(studyUid) + " holds no labelling" + why + ": draw one with vertana label."};
   };
   const auto context = contextOf(counting);
   auto& workstation = session.workstation();

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <set>
+#include <utility>
 
 #include "cli/Console.h"
 #include "cli/PlainText.h"
@@ -56,13 +58,17 @@ std::string contentsOf(std::size_t bad, const LeftOut& left) {
   return list.empty() ? "it holds no file" : list;
 }
 
-/// Opens a database folder, or a folder in place, with a progress line.
-Expected<std::unique_ptr<StudyDatabase>> openWithProgress(const std::string& path, bool isDatabase) {
+/// Opens a database folder, or a folder in place.
+Expected<std::unique_ptr<StudyDatabase>> openStudies(const std::string& path, bool isDatabase,
+                                                     const SourceOptions& how) {
   workstation::Result<std::unique_ptr<StudyDatabase>> opened;
   {
     ProgressLine progress("Reading the study");
     workstation::OpenOptions options;
-    options.progress = [&](std::size_t done, std::size_t total) { return progress.show(done, total); };
+    options.indexIsCurrent = how.indexIsCurrent;
+    if (!how.amongMany) {
+      options.progress = [&](std::size_t done, std::size_t total) { return progress.show(done, total); };
+    }
     opened = isDatabase ? StudyDatabase::openDatabase(path, options) : StudyDatabase::openFolder(path, options);
   }
   if (interrupted()) return Failure{ExitNotAllowed, "Interrupted while reading " + path + "; nothing was changed."};
@@ -72,60 +78,102 @@ Expected<std::unique_ptr<StudyDatabase>> openWithProgress(const std::string& pat
 
 }  // namespace
 
-Expected<std::unique_ptr<StudySource>> StudySource::open(const std::string& study, const std::string& database) {
-  std::unique_ptr<StudySource> source(new StudySource());
-  const bool isDatabase = !database.empty();
-  const auto& path = isDatabase ? database : study;
-  std::error_code error;
-  if (!fs::exists(path, error)) {
-    return Failure{ExitUnreadable, (path.empty() ? "A folder without a name" : path) + " does not exist: give a " +
-                                       (isDatabase ? "database folder." : "folder of DICOM files.")};
+Expected<std::unique_ptr<StudySource>> StudySource::open(const std::string& study, const std::string& database,
+                                                         const SourceOptions& options) {
+  if (!database.empty()) {
+    auto source = openDatabase(database, options);
+    if (!source) return source;
+    if (const auto problem = (*source)->choose(study)) return *problem;
+    return source;
   }
-  auto opened = openWithProgress(path, isDatabase);
-  if (!opened) return opened.failure;
-  source->name_ = isDatabase ? study + " in " + database : study;
-  source->database_ = std::move(*opened);
-  source->printNotices();
-  if (const auto problem = isDatabase ? source->findStudy(study, database) : source->listFolder()) return *problem;
+  std::unique_ptr<StudySource> source(new StudySource());
+  source->path_ = study;
+  if (const auto problem = source->openPath(options)) return *problem;
+  if (const auto problem = source->listFolder(options.amongMany)) return *problem;
   return source;
 }
 
-std::optional<Failure> StudySource::findStudy(const std::string& study, const std::string& database) {
-  const auto read = database_->contents(study);
+Expected<std::unique_ptr<StudySource>> StudySource::openDatabase(const std::string& database,
+                                                                 const SourceOptions& options) {
+  std::unique_ptr<StudySource> source(new StudySource());
+  source->path_ = database;
+  source->isDatabase_ = true;
+  if (const auto problem = source->openPath(options)) return *problem;
+  return source;
+}
+
+std::optional<Failure> StudySource::openPath(const SourceOptions& options) {
+  std::error_code error;
+  if (!fs::exists(path_, error)) {
+    return Failure{ExitUnreadable, (path_.empty() ? "A folder without a name" : path_) + " does not exist: give a " +
+                                       (isDatabase_ ? "database folder." : "folder of DICOM files.")};
+  }
+  auto opened = openStudies(path_, isDatabase_, options);
+  if (!opened) return opened.failure;
+  database_ = std::move(*opened);
+  if (options.indexIsCurrent) printedNotices_ = database_->notices().size();
+  printNotices();
+  return std::nullopt;
+}
+
+std::optional<Failure> StudySource::choose(const std::string& studyUid) {
+  const auto read = database_->contents(studyUid);
   if (read.images.empty()) {
-    return Failure{ExitNotAllowed, "The database " + database + " holds no study " + study +
+    return Failure{ExitNotAllowed, "The database " + path_ + " holds no " +
+                                       (database_->holdsStudy(studyUid) ? "image of the " : "") + "study " + studyUid +
                                        ": give the Study Instance UID of one that was imported."};
   }
   bad_ = badFilesOf(read);
   printBadFiles(bad_);
   printCopies(read.copies);
-  studies_ = {study};
+  studies_ = {studyUid};
   return std::nullopt;
 }
 
-std::optional<Failure> StudySource::listFolder() {
+std::optional<Failure> StudySource::chooseAll() {
+  std::vector<std::pair<std::string, std::string>> byDate;
+  for (const auto& study : database_->studies()) byDate.emplace_back(study.date, study.studyUid);
+  if (byDate.empty()) {
+    return Failure{ExitNotAllowed, "The database " + path_ + " holds no study: import some with vertana import."};
+  }
+  listByDate(std::move(byDate));
+  return std::nullopt;
+}
+
+std::optional<Failure> StudySource::listFolder(bool amongMany) {
   const auto read = database_->contents();
   if (!read.warning.empty()) printMessage(read.warning);
   bad_ = badFilesOf(read);
   leftOut_ = {read.otherObjects.size(), read.notDicom.size(), read.copies.size()};
-  printBadFiles(bad_);
-  printCopies(read.copies);
+  if (!read.images.empty() || !amongMany) {
+    printBadFiles(bad_);
+    printCopies(read.copies);
+  }
   if (read.images.empty()) {
     return Failure{ExitUnreadable,
-                   name_ + " holds no DICOM image that can be shown: " + contentsOf(bad_.size(), leftOut_) + "."};
+                   path_ + " holds no DICOM image that can be shown: " + contentsOf(bad_.size(), leftOut_) + "."};
   }
   std::vector<std::pair<std::string, std::string>> byDate;
-  for (const auto& image : read.images) byDate.emplace_back(image.studyDate, image.studyInstanceUid);
-  std::sort(byDate.begin(), byDate.end());
-  for (const auto& [date, uid] : byDate) {
-    if (std::find(studies_.begin(), studies_.end(), uid) == studies_.end()) studies_.push_back(uid);
+  for (const auto& image : read.images) {
+    if (byDate.empty() || byDate.back().second != image.studyInstanceUid) {
+      byDate.emplace_back(image.studyDate, image.studyInstanceUid);
+    }
   }
+  listByDate(std::move(byDate));
   return std::nullopt;
+}
+
+void StudySource::listByDate(std::vector<std::pair<std::string, std::string>> byDate) {
+  std::sort(byDate.begin(), byDate.end());
+  std::set<std::string> seen;
+  for (const auto& [date, uid] : byDate) {
+    if (seen.insert(uid).second) studies_.push_back(uid);
+  }
 }
 
 Expected<std::string> StudySource::onlyStudy() const {
   if (studies_.size() == 1) return studies_.front();
-  return Failure{ExitNotAllowed, name_ + " holds " + std::to_string(studies_.size()) +
+  return Failure{ExitNotAllowed, path_ + " holds " + std::to_string(studies_.size()) +
                                      " studies: give a folder that holds one (vertana info lists them)."};
 }
 
@@ -134,7 +182,9 @@ void StudySource::printNotices() {
   for (; printedNotices_ < notices.size(); ++printedNotices_) printMessage(notices[printedNotices_]);
 }
 
-std::string StudySource::title() const { return "The study in " + name_; }
+std::string StudySource::title(const std::string& studyUid) const {
+  return "The study " + (isDatabase_ || studies_.size() > 1 ? studyUid + " in " : "in ") + path_;
+}
 
 fs::path pluginBundlePath() {
   if (const char* named = std::getenv("VERTANA_PLUGIN")) return named;

@@ -4,7 +4,9 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/ExitStatus.h"
@@ -31,12 +33,27 @@ struct LeftOut {
   std::size_t copies = 0;        ///< files with an image that another file holds
 };
 
-/// The studies in a folder of DICOM files, opened in place, or one study of a database.
+/// How a source of studies is opened.
+struct SourceOptions {
+  bool amongMany = false;       ///< no progress is shown, and a folder without one image is told in one line
+  bool indexIsCurrent = false;  ///< of a database: see OpenOptions; what there is to tell of its index was told then
+};
+
+/// The studies in a folder of DICOM files, opened in place, or those of a database that were chosen.
 class StudySource {
  public:
   /// `study` is a folder, or, with a database folder, a Study Instance UID. A path that does not exist, a folder
   /// without one image, or a study that the database does not hold is a Failure. Prints a message for each bad file.
-  static Expected<std::unique_ptr<StudySource>> open(const std::string& study, const std::string& database);
+  static Expected<std::unique_ptr<StudySource>> open(const std::string& study, const std::string& database,
+                                                     const SourceOptions& options = {});
+  /// Opens a database folder; no study of it is chosen yet.
+  static Expected<std::unique_ptr<StudySource>> openDatabase(const std::string& database,
+                                                             const SourceOptions& options = {});
+
+  /// Chooses one study of the database; a Failure says that there is none with an image.
+  std::optional<Failure> choose(const std::string& studyUid);
+  /// Chooses all studies of the database; a Failure says that there are none.
+  std::optional<Failure> chooseAll();
 
   workstation::StudyDatabase& database() { return *database_; }
   /// Study Instance UIDs, by date, then UID.
@@ -47,15 +64,19 @@ class StudySource {
   const LeftOut& leftOut() const { return leftOut_; }
   /// What the database has to tell the person of its index, each sentence once.
   void printNotices();
-  /// How messages name a study: "The study in /tmp/spine".
-  std::string title() const;
+  /// How messages name a study: "The study in /tmp/spine", "The study 1.2.3 in /tmp/database".
+  std::string title(const std::string& studyUid) const;
+  /// The folder, as the person gave it.
+  const std::string& path() const { return path_; }
 
  private:
   StudySource() = default;
-  std::optional<Failure> findStudy(const std::string& study, const std::string& database);
-  std::optional<Failure> listFolder();
+  std::optional<Failure> openPath(const SourceOptions& options);
+  std::optional<Failure> listFolder(bool amongMany);
+  void listByDate(std::vector<std::pair<std::string, std::string>> byDate);
 
-  std::string name_;  ///< as the person gave it
+  std::string path_;
+  bool isDatabase_ = false;
   std::unique_ptr<workstation::StudyDatabase> database_;
   std::vector<std::string> studies_;
   std::vector<BadFile> bad_;

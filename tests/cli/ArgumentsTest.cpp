@@ -90,13 +90,27 @@ TEST(Studies, LieInAFolderOrInADatabase) {
     EXPECT_TRUE(parse({command, "1.2.3", "--database", "db"})) << command;
     expectWords(refusal({command}), {"STUDY"});
   }
-  const auto shown = parse({"show", "1.2.3", "--database", "db", "--csv"});
-  ASSERT_TRUE(shown);
-  EXPECT_EQ(std::get<ShowArguments>(*shown).study, "1.2.3");
-  EXPECT_EQ(std::get<ShowArguments>(*shown).database, "db");
-  EXPECT_TRUE(std::get<ShowArguments>(*shown).csv);
   EXPECT_EQ(std::get<LabelArguments>(*parse({"label", "1.2", "--database", "db", "--line", "1,2,3,4"})).database, "db");
   EXPECT_TRUE(std::get<HistoryArguments>(*parse({"history", "folder", "--json"})).json);
+}
+
+TEST(Show, TakesSeveralStudiesOrADatabaseAlone) {
+  const auto shown = parse({"show", "1.2.3", "1.2.4", "--database", "db", "--csv", "--jobs", "256"});
+  ASSERT_TRUE(shown);
+  const auto& show = std::get<ShowArguments>(*shown);
+  EXPECT_EQ(show.studies, (std::vector<std::string>{"1.2.3", "1.2.4"}));
+  EXPECT_EQ(show.database, "db");
+  EXPECT_TRUE(show.csv);
+  EXPECT_EQ(show.jobs, 256);
+  const auto all = parse({"show", "--database", "db"});
+  ASSERT_TRUE(all);
+  EXPECT_TRUE(std::get<ShowArguments>(*all).studies.empty());
+  EXPECT_FALSE(std::get<ShowArguments>(*all).jobs);
+  expectWords(refusal({"show"}), {"STUDY", "--database DIR"});
+  for (const char* jobs : {"0", "-1", "257", "two", "1.5", ""}) {
+    expectWords(refusal({"show", "a", "b", "--jobs", jobs}),
+                {"--jobs", "from 1 to 256", "'" + std::string(jobs) + "'"});
+  }
 }
 
 TEST(Render, NeedsAFolderToWriteTo) {
@@ -152,6 +166,16 @@ TEST(Usage, NumbersThatAreNoneOrDoNotFitAreNamed) {
   for (const char* seed : {"-1", "99999999999999999999", "1.5"}) {
     expectWords(refusal({"phantom", "--region", "lumbar", "--out", "x", "--seed", seed}), {"--seed", seed});
   }
+}
+
+TEST(Usage, SizesOfImagesHaveBounds) {
+  for (const char* size : {"15", "1025", "-32", "32x32"}) {
+    expectWords(refusal({"phantom", "--region", "lumbar", "--out", "x", "--image-size", size}),
+                {"--image-size", "from 16 to 1024", size});
+  }
+  const auto parsed = parse({"phantom", "--region", "lumbar", "--out", "x", "--image-size", "16"});
+  ASSERT_TRUE(parsed);
+  EXPECT_EQ(std::get<PhantomArguments>(*parsed).imageSize, 16);
 }
 
 TEST(Usage, TheLargestSeedFits) {

@@ -55,6 +55,7 @@ TEST(LabelReport, CsvHasARowADiscAndARowASlice) {
   auto labelling = twoStacks();
   labelling.planes[0].name = "L1,\"L2\"";
   std::ostringstream out;
+  out << csvHeader;
   printLabellingAsCsv(out, labelling);
   EXPECT_EQ(out.str(),
             "study,kind,name,x,y,z,nx,ny,nz,series,stack,slice,sop,frame,sameFrameOfReference\n"
