@@ -36,6 +36,15 @@ std::vector<IndexedFile> filesOf(Statement& query) {
   return files;
 }
 
+constexpr std::string_view placeQuery = "SELECT folder, name, coalesce(reason, '') FROM file WHERE ";
+
+std::vector<IndexedPlace> placesOf(Statement& query) {
+  std::vector<IndexedPlace> places;
+  while (query.executeStep()) places.push_back({columns::stamp(query, 0), query.getColumn(2).getString()});
+  sortByPath(places, [](const IndexedPlace& place) -> const FileStamp& { return place.file; });
+  return places;
+}
+
 }  // namespace
 
 int Index::latestVersion() { return static_cast<int>(schemaUpgrades().size()); }
@@ -186,12 +195,16 @@ std::vector<IndexedObject> Index::objects(const std::string& studyUid) { return 
 std::vector<IndexedObject> Index::objects() { return objectsWhere(nullptr); }
 
 std::vector<IndexedPlace> Index::places(FileKind kind) {
-  Statement query(*database_, "SELECT folder, name, coalesce(reason, '') FROM file WHERE kind = ?");
+  Statement query(*database_, std::string(placeQuery) + "kind = ?");
   query.bind(1, static_cast<int>(kind));
-  std::vector<IndexedPlace> places;
-  while (query.executeStep()) places.push_back({columns::stamp(query, 0), query.getColumn(2).getString()});
-  sortByPath(places, [](const IndexedPlace& place) -> const FileStamp& { return place.file; });
-  return places;
+  return placesOf(query);
+}
+
+std::vector<IndexedPlace> Index::places(FileKind kind, const std::string& folder) {
+  Statement query(*database_, std::string(placeQuery) + "folder = ? AND kind = ?");
+  query.bind(1, folder);
+  query.bind(2, static_cast<int>(kind));
+  return placesOf(query);
 }
 
 bool Index::isImported(const FileStamp& source) {

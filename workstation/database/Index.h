@@ -101,6 +101,8 @@ class Index {
   std::vector<IndexedObject> objects(const std::string& studyUid);
   std::vector<IndexedObject> objects();
   std::vector<IndexedPlace> places(FileKind kind);
+  /// Those in one folder, at a cost that does not depend on how many there are in all.
+  std::vector<IndexedPlace> places(FileKind kind, const std::string& folder);
 
   /// Whether this file, in this state, was imported and what was made of it is still there. The folder of a source is
   /// its absolute path.

@@ -197,12 +197,14 @@ ReadResult StudyDatabase::contents(const std::string& studyUid) {
   result.warning = prepareToolkit();
   withIndex([&] {
     result.images = index_->images(root_, studyUid);
-    std::set<fs::path> folders;
-    for (const ImageRecord& image : result.images) folders.insert(image.file.parent_path());
+    std::set<std::string> folders;
+    for (const ImageRecord& image : result.images) {
+      folders.insert(image.file.parent_path().lexically_relative(root_).string());
+    }
     result.unreadable.clear();
-    for (const IndexedPlace& place : index_->places(FileKind::unreadable)) {
-      const fs::path file = scan_.pathOf(place.file);
-      if (folders.contains(file.parent_path())) result.unreadable.push_back({file, place.reason});
+    for (const std::string& folder : folders) {
+      for (const IndexedPlace& place : index_->places(FileKind::unreadable, folder == "." ? "" : folder))
+        result.unreadable.push_back({scan_.pathOf(place.file), place.reason});
     }
   });
   setCopiesAside(result);
