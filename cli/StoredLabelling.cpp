@@ -4,7 +4,6 @@
 
 #include "cli/Labelling.h"
 #include "cli/PluginFacts.h"
-#include "workstation/dicom/LabellingReport.h"
 
 namespace cli {
 
@@ -13,13 +12,6 @@ using workstation::StackId;
 using workstation::Workstation;
 
 namespace {
-
-/// What the report that counts tells of the study; nothing where none counts.
-workstation::ReportContext contextOf(const std::optional<workstation::ShelvedReport>& counting) {
-  if (!counting) return {};
-  const auto report = workstation::readReport(counting->file);
-  return report ? report->context : workstation::ReportContext();
-}
 
 bool isVertical(const Stack& stack) {
   return stack.plane == workstation::Plane::sagittal || stack.plane == workstation::Plane::coronal;
@@ -103,7 +95,7 @@ Expected<Labelling> storedLabelling(StudySession& session, const std::string& st
     return Failure{ExitNotAllowed,
                    session.source().title(studyUid) + " holds no labelling" + why + ": draw one with vertana label."};
   };
-  const auto context = contextOf(counting);
+  const auto context = session.store().countingContext(studyUid);
   auto& workstation = session.workstation();
   const auto vertical = drawnStack(workstation, studyUid, context);
   if (!vertical) return none("");

@@ -69,6 +69,14 @@ std::optional<ShelvedReport> LabellingStore::counting(const std::string& studyUi
   return counting ? std::optional(*counting) : std::nullopt;
 }
 
+ReportContext LabellingStore::countingContext(const std::string& studyUid) const {
+  const auto counts = counting(studyUid);
+  if (!counts) return {};
+  const std::lock_guard lock(interior_->mutex_);
+  const auto report = interior_->parts_.readFile(counts->file);
+  return report ? report->context : ReportContext();
+}
+
 std::vector<ShelvedReport> LabellingStore::unreadable(const std::string& studyUid) const {
   const std::lock_guard lock(interior_->mutex_);
   auto reports = interior_->shelf_.labellings(studyUid);

@@ -37,7 +37,8 @@ struct LabellingStoreParts {
   std::function<std::chrono::system_clock::time_point()> now;
 };
 
-/// DICOM reports, the system's clock, and UIDs under 2.25 that are made at random.
+/// DICOM reports, the system's clock, and UIDs under 2.25 that are made at random. The report that was read last is
+/// kept, and is read again only when its file has changed.
 LabellingStoreParts dicomParts();
 
 /// What a study holds, for display.
@@ -70,6 +71,8 @@ class LabellingStore final : public StudyReports {
   StoredStatus status(const std::string& studyUid) const;
   /// The report that counts; one that is not on disk yet is named with the file in which it will be.
   std::optional<ShelvedReport> counting(const std::string& studyUid) const;
+  /// What the report that counts tells of the study, as far as it can be read; empty where none counts.
+  ReportContext countingContext(const std::string& studyUid) const;
   /// Those that do not count because they cannot be read; each says why.
   std::vector<ShelvedReport> unreadable(const std::string& studyUid) const;
   /// Every report, oldest first; those not on disk yet last.

@@ -7,8 +7,10 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <fstream>
 
 #include "FolderFixtures.h"
+#include "workstation/database/LabellingStore.h"
 
 namespace workstation::test {
 namespace {
@@ -219,6 +221,29 @@ TEST_F(FolderReportsTest, StudyWithReportsAloneIsListed) {
   EXPECT_TRUE(database->holdsStudy(studyUid()));
   EXPECT_EQ(database->anyImage(studyUid()), "");
   EXPECT_EQ(database->freshPath(studyUid(), "dcm").parent_path(), other.path());
+}
+
+TEST(DicomParts, ReadAReportAnewWhenItsFileHasChanged) {
+  TemporaryFolder folder;
+  writeStudy(folder.path());
+  const auto image = openInPlace(folder.path())->anyImage(studyUid());
+  const fs::path file = folder.path() / "report.dcm";
+  const auto write = [&](int number) {
+    const pelmar::Bytes bytes = reportOn(image, lumbarAt(number), number);
+    std::ofstream(file, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+  };
+  const LabellingStoreParts parts = dicomParts();
+  for (const int number : {1, 2, 3}) {
+    write(number);
+    for (int time = 0; time < 2; ++time) {
+      const auto report = parts.readFile(file);
+      ASSERT_TRUE(report) << report.problem;
+      EXPECT_EQ(report->sopInstanceUid, reportUid(number)) << "read for the " << time << ". time";
+    }
+  }
+  fs::remove(file);
+  EXPECT_FALSE(parts.readFile(file));
 }
 
 }  // namespace
