@@ -83,7 +83,7 @@ std::vector<LabelledSlice> slicesByLevel(const Workstation& workstation, const s
 std::string labelledFrameOfReference(StudySession& session, const std::string& studyUid) {
   const auto counting = session.store().counting(studyUid);
   if (!counting || counting->labelling->isEmpty()) return {};
-  const auto context = contextOf(counting);
+  const auto context = session.store().countingContext(studyUid);
   if (!context.frameOfReferenceUid.empty()) return context.frameOfReferenceUid;
   const auto vertical = drawnStack(session.workstation(), studyUid, context);
   return vertical ? session.workstation().stack(*vertical)->frameOfReferenceUid : std::string();
