@@ -4,11 +4,22 @@ namespace vertana {
 
 using pelmar::Value;
 
+namespace {
+
+Value computedRecord(const IntervertebralPlane& plane) {
+  Value::Dictionary record{{"name", plane.name}};
+  if (plane.point) record.emplace("point", plane.point);
+  if (plane.vector) record.emplace("vector", plane.vector);
+  return record;
+}
+
+}  // namespace
+
 Value valueFromPlanes(const std::vector<IntervertebralPlane>& planes) {
   Value::Array records;
   records.reserve(planes.size());
   for (const auto& plane : planes) {
-    records.push_back(Value::Dictionary{{"name", plane.name}, {"point", plane.point}, {"vector", plane.vector}});
+    records.push_back(plane.record.isNil() ? computedRecord(plane) : plane.record);
   }
   return records;
 }
@@ -28,6 +39,7 @@ std::vector<IntervertebralPlane> planesFromValue(const Value::Array& records) {
     if (name.string()) plane.name = *name.string();
     plane.point = pelmar::ref_cast<pelmar::Point3D>(entry(record, "point").object());
     plane.vector = pelmar::ref_cast<pelmar::Point3D>(entry(record, "vector").object());
+    plane.record = record;
     planes.push_back(std::move(plane));
   }
   return planes;

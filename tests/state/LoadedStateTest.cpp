@@ -202,6 +202,56 @@ TEST_F(LoadedState, incompletePlaneRecordsLoadWithWhatTheyHave) {
   }
 }
 
+TEST_F(LoadedState, planeRecordsAreStoredAsTheyWereLoadedWhateverTheyLackOrHaveBesides) {
+  const auto point = testhost::makePoint(1, 2, 3);
+  const auto state = [&](const Value::Array& records) {
+    return Value::Dictionary{
+        {"VertanaAnatomicalRegion", 2}, {"kAdditionalVertebra", false}, {"intervertebralPlanes", records}};
+  };
+  const std::vector<Value::Array> incomplete{{Value::Dictionary{{"name", "L4-L5"}, {"vector", point}}},
+                                             {Value::Dictionary{{"name", "L4-L5"}, {"point", point}}},
+                                             {Value::Dictionary{{"point", point}, {"vector", point}}},
+                                             {Value::Dictionary{{"name", 3}, {"point", "text"}}},
+                                             {Value::Dictionary{}},
+                                             {1, "text"}};
+  for (const auto& records : incomplete) {
+    store(state(records));
+    filter.loadState();
+    filter.saveCurrentState();
+    EXPECT_EQ(writes(), 0U) << "nothing has changed";
+  }
+  store(state({Value::Dictionary{{"name", "L4-L5"}, {"point", point}, {"vector", point}, {"remark", "seen"}}}));
+  filter.loadState();
+  filter.saveCurrentState();
+  EXPECT_EQ(writes(), 0U);
+  // With the flag changed everything else is stored again, the foreign entry with it.
+  const auto planes = filter.intervertebralPlanes();
+  filter.setAdditionalVertebra(true);
+  filter.setIntervertebralPlanes(planes);
+  filter.saveCurrentState();
+  ASSERT_TRUE(filter.savedState());
+  const auto record = *filter.savedState()->at("intervertebralPlanes").array()->at(0).dictionary();
+  EXPECT_EQ(record.size(), 4U);
+  EXPECT_EQ(record.at("remark"), Value("seen"));
+}
+
+TEST_F(LoadedState, planesComputedAfterLoadingAreStoredAsComputed) {
+  store(Value::Dictionary{{"VertanaAnatomicalRegion", 2},
+                          {"kAdditionalVertebra", false},
+                          {"intervertebralPlanes", Value::Array{Value::Dictionary{{"remark", "seen"}}}}});
+  filter.loadState();
+  curveThrough({{100, 0}, {100, 40}});
+  filter.computeIntervertebralPlanes();
+  filter.saveCurrentState();
+  ASSERT_TRUE(filter.savedState());
+  const auto records = *filter.savedState()->at("intervertebralPlanes").array();
+  ASSERT_EQ(records.size(), 2U);
+  for (const auto& record : records) {
+    EXPECT_EQ(record.dictionary()->size(), 3U);
+    EXPECT_FALSE(record.dictionary()->contains("remark"));
+  }
+}
+
 TEST_F(LoadedState, stateThatCannotBeReadChangesNothing) {
   holdForeignPlane();
   host.storeReport(study, seriesNumber, seriesDescription, Bytes{1, 2, 3, 4});
