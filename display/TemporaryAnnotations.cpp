@@ -127,9 +127,8 @@ void VertanaFilter::removeTemporaryROIs() {
   const auto rois = temporaryROIs();
   std::vector<Ref<ViewerController>> viewers;
   for (const auto& roi : rois) {
-    // An annotation that stands in many lists names the same viewer again and again: one redraw is enough.
-    auto viewer = roi->curView()->viewer();
-    if (viewer && (viewers.empty() || !(viewers.back() == viewer))) viewers.push_back(std::move(viewer));
+    // Once for every list that holds the annotation: hosts gather the requests of one event into one redraw.
+    if (auto viewer = roi->curView()->viewer()) viewers.push_back(std::move(viewer));
   }
   api().roiClass().deleteROIs(rois, false);
   for (const auto& viewer : viewers) viewer->needsDisplayUpdate();

@@ -215,6 +215,20 @@ TEST_F(TemporaryAnnotations, allAreRemovedInOneSilentCallAndTheirViewersRedrawnI
   EXPECT_TRUE(host.center.posted.empty());
 }
 
+TEST_F(TemporaryAnnotations, viewerIsAskedForARedrawOncePerAnnotationFoundInTheOrderFound) {
+  const auto everywhere = host.addROI(5, sagittal, 0, {}, {temporary});
+  for (const std::size_t slice : {1U, 2U}) sagittal->sliceLists[slice]->elements().push_back(everywhere);
+  // Made on the second viewer, standing in a list of the first.
+  const auto guest = host.addROI(19, second, 99, {}, {temporary});
+  sagittal->sliceLists[1]->elements().push_back(guest);
+  host.addROI(5, second, 1, {}, {temporary});
+  host.calls.clear();
+  filter.removeTemporaryROIs();
+  EXPECT_EQ(host.calls.lines(),
+            (Lines{"deleteROIs(5,false)", "viewer1.needsDisplayUpdate()", "viewer1.needsDisplayUpdate()",
+                   "viewer2.needsDisplayUpdate()", "viewer1.needsDisplayUpdate()", "viewer2.needsDisplayUpdate()"}));
+}
+
 TEST_F(TemporaryAnnotations, annotationThatLiesOnNoViewIsRemovedWithoutARedraw) {
   host.addROI(5, second, 0, {}, {temporary})->view = nullptr;
   host.calls.clear();
