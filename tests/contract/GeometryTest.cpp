@@ -151,6 +151,21 @@ TEST_P(Geometry, distanceToAPlaneIsUnsignedAndItsFootLiesInIt) {
   EXPECT_NEAR(foot.z, 0, 1e-6);
 }
 
+TEST_P(Geometry, pointLiesOnAPlaneWithoutANormal) {
+  Vector3f foot{9, 9, 9};
+  EXPECT_EQ(api().dcmViewClass().pbase_Plane({1, 2, 3}, {5, 6, 7}, {0, 0, 0}, foot), 0);
+  EXPECT_EQ(foot.x, 1);
+  EXPECT_EQ(foot.y, 2);
+  EXPECT_EQ(foot.z, 3);
+}
+
+TEST_P(Geometry, angleWithAZeroVectorIsZero) {
+  auto& views = api().dcmViewClass();
+  EXPECT_EQ(views.angleBetweenVector({0, 0, 0}, {1, 2, -3}), 0);
+  EXPECT_EQ(views.angleBetweenVector({-1, 2, 3}, {0, 0, 0}), 0);
+  EXPECT_EQ(views.angleBetweenVector({0, 0, 0}, {0, 0, 0}), 0);
+}
+
 TEST_P(Geometry, anglesAreUnsignedRadiansWhateverTheLengths) {
   auto& views = api().dcmViewClass();
   constexpr float pi = std::numbers::pi_v<float>;

@@ -181,6 +181,8 @@ float TestHost::pbase_Plane(const Vector3f& point, const Vector3f& planePoint, c
 float TestHost::angleBetweenVector(const Vector3f& a, const Vector3f& andVector) {
   const N3Vector u = N3VectorNormalize(widened(a));
   const N3Vector v = N3VectorNormalize(widened(andVector));
+  // A zero vector has no direction to differ in.
+  if (!(dot(u, u) > 0) || !(dot(v, v) > 0)) return 0;
   return static_cast<float>(std::acos(std::clamp(dot(u, v), -1.0, 1.0)));
 }
 
