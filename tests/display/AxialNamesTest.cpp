@@ -136,6 +136,32 @@ TEST_F(AxialNames, planesAfterTheCrossingAreMeasuredFromTheCrossing) {
   EXPECT_EQ(nameAtZ(0), Name("L1"));
 }
 
+TEST_F(AxialNames, spineThatCrossesTheSliceTwiceIsMeasuredFromTheNewerCrossing) {
+  // The slice z = 0 is crossed at y = -100, 20 mm from the first disc, and again at y = -40, 20 mm from the second.
+  // There (0, -20, -20) from the third disc is 12 - 16 = -4 mm along its normal: the nearest, within a third of 4 + 20
+  // mm. From the first crossing (0, -80, -20) would be 48 - 16 = 32 mm, and the slice half way between the first two
+  // discs.
+  filter.setIntervertebralPlanes({{plane("T12-L1", {0, -140, 20}), plane("L1-L2", {0, -60, -20}),
+                                   plane("L2-L3", {0, -20, 20}, {0, -0.6F, 0.8F})}});
+  EXPECT_EQ(nameAtZ(0), Name("L2-L3"));
+}
+
+TEST_F(AxialNames, nearestPlaneAndItsNeighbourAreComparedAsSeenFromTheLastCrossing) {
+  // The spine crosses the slice at Q = (0, -100, 0), 16 mm from the second disc and 20 mm from the third. The first
+  // disc comes before the crossing and is measured from the slice's centre C = (0.5, 0.5, 0): 12 mm. Seen from Q the
+  // feet of the first two lie on opposite sides, both further than a third of 12 + 16 mm: the vertebra between them.
+  // 0.28 * 100.5 - 0.96 * 41.8 = -12, foot (0.5, 3.86, 11.5); the neighbour's is (0, -109.6, 12.8). Seen from C the
+  // foot of the first one would lie on the neighbour's side of Q, and C itself is 76 mm from the neighbour.
+  filter.setIntervertebralPlanes({{plane("T12-L1", {0, -100, 41.8F}, {0, 0.28F, 0.96F}),
+                                   plane("L1-L2", {0, -100, 20}, {0, 0.6F, -0.8F}), plane("L2-L3", {0, -100, -20})}});
+  EXPECT_EQ(nameAtZ(0), Name("L1"));
+  // -0.28 * 100.5 + 0.96 * 16.8 = -12, foot (0.5, -2.86, 11.5); the neighbour's is (0, -109.6, -12.8). Seen from C both
+  // feet would lie on one side: beyond the first disc, further than two thirds of the gap of 16 - 12 mm, no name.
+  filter.setIntervertebralPlanes({{plane("T12-L1", {0, -100, -16.8F}, {0, -0.28F, 0.96F}),
+                                   plane("L1-L2", {0, -100, -20}, {0, -0.6F, -0.8F}), plane("L2-L3", {0, -100, 20})}});
+  EXPECT_EQ(nameAtZ(0), Name("L1"));
+}
+
 TEST_F(AxialNames, sliceIsTakenThroughTheMiddleOfItsPixelsAlongItsOwnNormal) {
   // Normal (0, 0.6, 0.8), centre (0, 0, 2): the slice cuts the spine at y = -100 where z = 2 + 75. There the first disc
   // (z = 90) is 13 mm away and the second 17 mm.
@@ -279,7 +305,7 @@ TEST_P(NamePosition, staysWithinTheImage) {
   const auto& row = GetParam();
   axial->view->zoom = row.zoom;
   axial->images[0]->content.origin = {0, row.contentTop};
-  axial->view->frameRect = {0, 0, 400, 600};
+  axial->view->frameRect = {8, 10, 400, 600};  // where the view lies in its window moves nothing within it
   filter.setName("L4", 7, axial->view);
   EXPECT_EQ(namesOnSlice(7)[0]->rectangle.origin, row.expected);
 }

@@ -130,5 +130,18 @@ TEST(SegmentPlanePrecision, directionIsTakenInSinglePrecision) {
   EXPECT_EQ(out.z, far - 1);
 }
 
+TEST(SegmentPlanePrecision, scalarProductsAreSummedInSinglePrecision) {
+  // n . u = (1e8 + 1) - 1e8: in single precision 1e8 + 1 is 1e8, so the segment counts as parallel. In double precision
+  // it would be 1, with the crossing half way.
+  const Vector3f end{1e8F, 1, -1e8F};
+  const Vector3f normal{1, 1, 1};
+  const Vector3f planePoint{0, 0.5F, 0};
+  Vector3f out{7, 8, 9};
+  EXPECT_EQ(intersect3D_SegmentPlane(&origin, &end, &normal, &planePoint, &out), 0);
+  EXPECT_EQ(out.x, 7);
+  EXPECT_EQ(out.y, 8);
+  EXPECT_EQ(out.z, 9);
+}
+
 }  // namespace
 }  // namespace vertana
