@@ -21,6 +21,18 @@ struct InputCapture : SpineStudy {
     }
     return false;
   }
+  /// Both are there, and on every slice the last label stands before the first plane line.
+  void expectLabelsBeforePlaneLines() const {
+    ASSERT_FALSE(sagittal->allROIsTagged("VertanaFilterLabel").empty());
+    ASSERT_FALSE(sagittal->allROIsTagged("VertanaFilterPlane").empty());
+    for (std::size_t slice = 0; slice < sagittal->sliceLists.size(); ++slice) {
+      bool planeLinesBegan = false;
+      for (const auto& roi : sagittal->roisOnSlice(slice)) {
+        planeLinesBegan = planeLinesBegan || roi->tags->containsObject("VertanaFilterPlane");
+        EXPECT_FALSE(planeLinesBegan && roi->tags->containsObject("VertanaFilterLabel")) << slice;
+      }
+    }
+  }
 };
 
 // --- length line, while it is drawn ---
@@ -61,16 +73,19 @@ TEST_F(InputCapture, liveRebuildRemovesTemporaryAnnotationsThenDrawsCurveLabelsA
   EXPECT_LT(removal, calls.indexOf("roiWithType(10)"));
   EXPECT_LT(calls.indexOf("roiWithType(10)"), calls.indexOf("roiWithType(13)"));
   // The last label comes before the first plane line; connector lines of the labels are of type 5 too.
-  EXPECT_FALSE(sagittal->allROIsTagged("VertanaFilterLabel").empty());
-  EXPECT_FALSE(sagittal->allROIsTagged("VertanaFilterPlane").empty());
-  const auto rois = sagittal->roisOnSlice(0);
-  const auto firstWith = [&](const char* tag) {
-    for (std::size_t i = 0; i < rois.size(); ++i) {
-      if (rois[i]->tags->containsObject(tag)) return i;
-    }
-    return rois.size();
-  };
-  EXPECT_LT(firstWith("VertanaFilterLabel"), firstWith("VertanaFilterPlane"));
+  expectLabelsBeforePlaneLines();
+}
+
+TEST_F(InputCapture, liveRebuildRemovesTheTemporaryAnnotationsOfEveryViewer) {
+  const auto coronal = host.addViewer(study, testhost::coronalSeries(2, 101));
+  const auto foreign = host.addViewer(host.addStudy("9.9"), testhost::sagittalSeries(1, 101));
+  for (const auto& viewer : {coronal, foreign}) {
+    host.addROI(pelmar::ROITypePoint, viewer, 0, {{1, 1}}, {"VertanaFilterTemporayROI"});
+  }
+  inputLine(head, foot, pelmar::ROIModeDrawing);
+  filter.inputLengthROIDrawingEvent();
+  EXPECT_TRUE(coronal->allROIs().empty());
+  EXPECT_TRUE(foreign->allROIs().empty());
 }
 
 TEST_F(InputCapture, liveRebuildOfALineForgetsOldPlanesEvenWhenTheCurveDoesNot) {
@@ -257,6 +272,7 @@ TEST_F(InputCapture, finalisingGoesThroughItsStepsInOrder) {
   EXPECT_EQ(curve()->mode, pelmar::ROIModeSelected);
   EXPECT_EQ(sagittal->allROIsTagged("VertanaFilterLabel").size(), 5U);
   EXPECT_EQ(sagittal->allROIsTagged("VertanaFilterPlane").size(), 6U);
+  expectLabelsBeforePlaneLines();
   EXPECT_FALSE(isOnAnySlice(line));
   EXPECT_FALSE(isOnAnySlice(polygon));
   EXPECT_FALSE(filter.inputLengthROI());

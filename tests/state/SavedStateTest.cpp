@@ -103,8 +103,13 @@ TEST_F(SavedState, offTheMainThreadTheIndependentDatabaseImports) {
   EXPECT_EQ(host.calls.countContaining("database.addFilesAtPaths"), 1U);
   host.app.mainThread = false;
   filter.setSavedDictionary(std::nullopt);
+  host.calls.clear();
   filter.saveEmptyState();
-  EXPECT_EQ(host.calls.countContaining("independentDatabase.addFilesAtPaths"), 1U);
+  const std::string path = *host.reports.made.back()->path;
+  EXPECT_EQ(host.calls.containing({"atabase."}),
+            (Lines{"database.uniquePath(dcm)", "database.independentDatabase()",
+                   "independentDatabase.addFilesAtPaths(" + path + ",true,true,true,true)"}))
+      << "the path is still the main database's, the import is the other's alone";
 }
 
 TEST_F(SavedState, archiveIsImportedWithAllFourFlags) {
