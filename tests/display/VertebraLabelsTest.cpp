@@ -60,6 +60,27 @@ TEST_F(VertebraLabels, sideFollowsTheVerticalViewAsDisplayed) {
   EXPECT_EQ(filter.labelsSide(), 1);
 }
 
+TEST_F(VertebraLabels, sideWithoutAVerticalViewerIsThatOfASagittalOne) {
+  sagittal->view->displayOrientation = std::array<float, 9>{1, 0, 0, 0, 0, -1, 0, 1, 0};
+  sagittal->orientationCode = 4;
+  EXPECT_EQ(filter.labelsSide(), 1);
+}
+
+TEST_F(VertebraLabels, verticalViewerIsThatOfTheCurveNotTheSagittalOneInFront) {
+  const auto coronal = host.addViewer(study, testhost::coronalSeries(2, 401));
+  ASSERT_TRUE(host.frontMost == sagittal);
+  EXPECT_EQ(filter.labelsSide(), 1) << "without a curve";
+  filter.setOpenPolygonROI(host.addROI(10, coronal, 0, {{100, 0}, {100, 40}}));
+  EXPECT_EQ(filter.labelsSide(), 0);
+  filter.createLabels();
+  // 30 pixels to the other side of the spine, on the sagittal view too: x = -100, y = -2 mm are its pixel column 198.
+  EXPECT_EQ(originsOn(coronal), (Points{{130, 20}}));
+  EXPECT_EQ(originsOn(sagittal), (Points{{228, 20}}));
+  host.calls.clear();
+  filter.removeLabels();
+  EXPECT_EQ(host.calls.lines(), (Lines{"deleteROIs(5,false)", "viewer2.needsDisplayUpdate()"}));
+}
+
 TEST_F(VertebraLabels, distanceIsTheRegionsInPixelsOfTheShownImageInEachDirection) {
   sagittal->images[2]->geometry.spacingX = 0.5;
   sagittal->images[2]->geometry.spacingY = 2;
@@ -103,6 +124,16 @@ TEST_F(VertebraLabels, curveFromFootToHeadIsNamedFromTheLastVertebraOnTheSameSid
   EXPECT_EQ(namesOn(sagittal), (Lines{"L5", "L4"}));
   // n = (0, -1), w = (-n.y, n.x) = (1, 0), side 1: 30 pixels to the left.
   EXPECT_EQ(originsOn(sagittal), (Points{{70, 60}, {70, 20}}));
+}
+
+TEST_F(VertebraLabels, footToHeadIsJudgedByThePatientNotByTheImage) {
+  // Columns run to the head: further down the image is further towards the head.
+  for (const auto& image : sagittal->images) image->geometry.column = {0, 0, 1};
+  curveThrough({{100, 0}, {100, 40}, {100, 80}});
+  filter.createLabelsOnView(sagittal->view);
+  EXPECT_EQ(namesOn(sagittal), (Lines{"L5", "L4"}));
+  // n = (0, 1), w = (-n.y, n.x) = (-1, 0), side 1: 30 pixels to the right.
+  EXPECT_EQ(originsOn(sagittal), (Points{{130, 20}, {130, 60}}));
 }
 
 TEST_F(VertebraLabels, curveWithEndsAtTheSameHeightIsNamedFromTheFirstVertebra) {
@@ -237,6 +268,25 @@ TEST_F(VertebraLabels, otherViewsGetLabelsFromThePlanesWithoutConnectorLines) {
   EXPECT_EQ(originsOn(coronal), (Points{{166, 20}}));
   EXPECT_FALSE(lineOf("L1"));
   EXPECT_EQ(host.calls.lines().back(), "viewer2.needsDisplayUpdate()");
+}
+
+TEST_F(VertebraLabels, otherViewIsMeasuredByTheImageThatItShows) {
+  const auto coronal = host.addViewer(study, testhost::coronalSeries(2, 401));
+  auto& geometry = coronal->images[1]->geometry;
+  geometry.origin = {-50, 2, 220};
+  geometry.spacingX = 0.5;
+  geometry.spacingY = 2;
+  coronal->view->current = 1;
+  const pelmar::Vector3f normal{0.6F, 0, -0.8F};
+  filter.setIntervertebralPlanes({{plane("a", {10, -100, 200}, normal), plane("b", {40, -100, 160}, normal)}});
+  filter.createLabelsOnView(coronal->view);
+  EXPECT_EQ(namesOn(coronal), Lines{"L1"});
+  ASSERT_EQ(originsOn(coronal).size(), 1U);
+  // The planes lie at pixels (60 / 0.5, 20 / 2) and (90 / 0.5, 60 / 2), half way (150, 20). One millimetre along the
+  // normal is (1.2, 0.4) pixels, of length sqrt(1.6): w = (0.4, -1.2) / sqrt(1.6). 30 mm are 60 pixels across and 15
+  // down; side 1 subtracts.
+  EXPECT_NEAR(originsOn(coronal)[0].x, 150 - 60 * 0.4 / std::sqrt(1.6), 1e-3);
+  EXPECT_NEAR(originsOn(coronal)[0].y, 20 + 15 * 1.2 / std::sqrt(1.6), 1e-3);
 }
 
 TEST_F(VertebraLabels, storedPlanesAloneGiveLabels) {
@@ -399,9 +449,9 @@ TEST_F(VertebraLabels, linesAreFoundByTheirTagAnywhereInATag) {
   filter.removeLabelsLines();
   EXPECT_EQ(sagittal->allROIs(), (std::vector<Ref<TestROI>>{unmarked, mark}));
   EXPECT_TRUE(coronal->allROIs().empty());
-  EXPECT_EQ(host.calls.lines().front(), "deleteROIs(3,false)");
-  EXPECT_GE(host.calls.count("viewer1.needsDisplayUpdate()"), 1U);
-  EXPECT_EQ(host.calls.count("viewer2.needsDisplayUpdate()"), 0U) << "its line lay on no view";
+  EXPECT_EQ(host.calls.lines(),
+            (Lines{"deleteROIs(3,false)", "viewer1.needsDisplayUpdate()", "viewer1.needsDisplayUpdate()"}))
+      << "once for each line; that of the second viewer lay on no view";
 }
 
 // --- the switch for labels ---
@@ -473,23 +523,28 @@ TEST_F(VertebraLabels, drawModeSelectsItsToolOnTheFirstVerticalViewer) {
   EXPECT_EQ(other->roiToolTag, 0);
 }
 
-TEST_F(VertebraLabels, anotherDrawModeThrowsInputsConstructionAndLabelsAwayBeforeItSelectsTheTool) {
+TEST_F(VertebraLabels, anotherDrawModeThrowsEverythingAwayThenSelectsTheToolThenStoresTheDefault) {
   inputLine({100, 0}, {100, 50});
   inputPolygon({{100, 0}, {100, 50}});
   curveThrough({{100, 0}, {100, 40}});
   filter.createLabels();
   filter.createPlanesROIs();
   host.calls.clear();
+  std::vector<unsigned long> modesAtRemovals;
+  host.center.addObserver(this, pelmar::PelmarRemoveROINotification, {},
+                          [&](const auto&) { modesAtRemovals.push_back(filter.drawMode()); });
   filter.setDrawMode(1);
+  host.center.removeObserver(this);
   EXPECT_TRUE(sagittal->allROIs().empty());
   EXPECT_FALSE(filter.inputLengthROI());
   EXPECT_FALSE(filter.inputOpenPolygonROI());
   EXPECT_FALSE(filter.openPolygonROI());
-  const auto& calls = host.calls;
-  EXPECT_LT(calls.indexOf("deleteROI(5)"), calls.indexOf("deleteROI(10)"));
-  EXPECT_LT(calls.indexOf("deleteROI(10)"), calls.indexOf("deleteROIs("));
-  EXPECT_LT(calls.indexOf("deleteROIs("), calls.indexOf("setROIToolTag(10)"));
-  EXPECT_TRUE(host.defaults.values.contains("VertanaDrawMode-2"));
+  // Line, polygon, curve, two plane lines on three slices, the label's connector line, one label on three slices; then
+  // the tool, and last the default.
+  EXPECT_EQ(host.calls.containing({"deleteROI", "setROIToolTag", "setObject"}),
+            (Lines{"deleteROI(5)", "deleteROI(10)", "deleteROIs(1,false)", "deleteROIs(6,false)", "deleteROIs(1,false)",
+                   "deleteROIs(3,false)", "viewer1.setROIToolTag(10)", "userDefaults.setObject(VertanaDrawMode-2)"}));
+  EXPECT_EQ(modesAtRemovals, (std::vector<unsigned long>{1, 1})) << "the mode is set before anything is removed";
 }
 
 TEST_F(VertebraLabels, drawModeWithoutAVerticalViewerIsStoredAllTheSame) {

@@ -164,6 +164,26 @@ TEST_F(PlaneAnnotations, normalAcrossTheSliceGivesALineOfNonFinitePoints) {
   EXPECT_EQ(lines()[1]->positions()[0], (PixelPoint{135, 80})) << "the next plane is drawn all the same";
 }
 
+TEST_F(PlaneAnnotations, linesBelongToTheViewerOfTheCurveNotToTheSagittalOneInFront) {
+  const auto coronal = host.addViewer(study, testhost::coronalSeries(2, 401));
+  ASSERT_TRUE(host.frontMost == sagittal);
+  filter.setOpenPolygonROI(host.addROI(10, coronal, 0, {{100, 50}, {120, 80}}));
+  filter.setIntervertebralPlanes({{plane("L4-L5", {-100, 0, 150})}});
+  const auto old = host.addROI(5, coronal, 1, {}, {"VertanaFilterPlane"});
+  host.calls.clear();
+  filter.createPlanesROIs();
+  EXPECT_EQ(host.calls.lines().front(), "deleteROIs(1,false)") << "that one is found";
+  EXPECT_EQ(host.calls.count("viewer1.needsDisplayUpdate()"), 0U);
+  EXPECT_EQ(host.calls.count("viewer2.needsDisplayUpdate()"), 2U) << "for the removal and for the new line";
+  EXPECT_TRUE(lines().empty()) << "none on the sagittal viewer";
+  const auto made = coronal->allROIsTagged("VertanaFilterPlane");
+  ASSERT_EQ(made.size(), 1U);
+  EXPECT_FALSE(made[0] == old);
+  // x = -100 mm is pixel 100 of the coronal image.
+  EXPECT_EQ(made[0]->positions(), (std::vector<PixelPoint>{{115, 50}, {85, 50}}));
+  EXPECT_EQ(filter.planesROIs().size(), 2U) << "once for each coronal slice";
+}
+
 // --- finding and removing ---
 
 TEST_F(PlaneAnnotations, eachLineIsFoundOnceForEverySliceThatHoldsIt) {
@@ -240,6 +260,15 @@ TEST_F(PlaneAnnotations, removingTheConstructionWithNothingHeldStillRemovesPlane
   for (const auto& line : removed) EXPECT_TRUE(line->isSelectable) << "removed as plane lines, not only as marks";
   EXPECT_FALSE(isShown(mark));
   EXPECT_TRUE(isShown(other));
+}
+
+TEST_F(PlaneAnnotations, removingTheConstructionRemovesTheMarksOfEveryViewer) {
+  const auto coronal = host.addViewer(study, testhost::coronalSeries(2, 101));
+  const auto foreign = host.addViewer(host.addStudy("9.9"), testhost::sagittalSeries(1, 101));
+  for (const auto& viewer : {coronal, foreign}) host.addROI(19, viewer, 0, {}, {"VertanaFilterTemporayROI"});
+  filter.removeConstructionROIs();
+  EXPECT_TRUE(coronal->allROIs().empty());
+  EXPECT_TRUE(foreign->allROIs().empty());
 }
 
 TEST_F(PlaneAnnotations, onlyWhatIsHeldIsDeletedWithTheConstruction) {
