@@ -5,7 +5,7 @@
 
 #include "workstation/archive/KeyedArchive.h"
 #include "workstation/database/ReportShelf.h"
-#include "workstation/dicom/StudyReader.h"
+#include "workstation/dicom/AnyFile.h"
 #include "workstation/model/Points.h"
 
 namespace workstation {
@@ -18,21 +18,11 @@ bool isLabelling(const ObjectHeader& header) {
          header.seriesDescription == labellingSeriesDescription;
 }
 
-DecodedLabelling readLabelling(const fs::path& file) {
-  const Result<StoredReport> report = readReport(file);
+DecodedLabelling decode(const Result<StoredReport>& report) {
   if (report) return decodeLabelling(*report);
   DecodedLabelling decoded;
   decoded.problem = asPhrase(report.problem);
   return decoded;
-}
-
-void readObject(const fs::path& file, FileContents& contents) {
-  contents.kind = FileKind::object;
-  contents.header = readObjectHeader(file, contents.reason);
-  if (!contents.header)
-    contents.kind = FileKind::unreadable;
-  else if (isLabelling(*contents.header))
-    contents.labelling = readLabelling(file);
 }
 
 }  // namespace
@@ -63,16 +53,18 @@ DecodedLabelling decodeLabelling(const StoredReport& report) {
 
 FileContents readFileContents(const fs::path& file) {
   FileContents contents;
-  ReadResult read;
-  readImageFile(file, read);
+  AnyFile any = readAnyFile(file, &isLabelling);
+  ReadResult& read = any.lists;
   if (!read.images.empty()) {
     contents.kind = FileKind::image;
     contents.images = std::move(read.images);
   } else if (!read.unreadable.empty()) {
     contents.kind = FileKind::unreadable;
     contents.reason = read.unreadable.front().reason;
-  } else if (!read.otherObjects.empty()) {
-    readObject(file, contents);
+  } else if (any.header) {
+    contents.kind = FileKind::object;
+    contents.header = std::move(any.header);
+    if (any.report) contents.labelling = decode(*any.report);
   } else if (!read.directories.empty()) {
     contents.kind = FileKind::directory;
   }

@@ -4,7 +4,7 @@
 #include <dcmtk/dcmdata/dctk.h>
 
 #include "workstation/dicom/Identity.h"
-#include "workstation/dicom/ParsedFile.h"
+#include "workstation/dicom/ParsedObjects.h"
 
 namespace workstation {
 
@@ -14,10 +14,8 @@ bool ObjectHeader::isStructuredReport() const {
   return modality == "SR" || sopClassUid.starts_with("1.2.840.10008.5.1.4.1.1.88.");
 }
 
-std::optional<ObjectHeader> readObjectHeader(const std::filesystem::path& file, std::string& problem) {
-  ParsedFile parsed;
-  if (!parsed.parse(file, problem)) return std::nullopt;
-  const Attributes attributes(parsed.dataset());
+ObjectHeader objectHeaderIn(ParsedFile& file) {
+  const Attributes attributes(file.dataset());
   ObjectHeader header;
   readIdentity(attributes, header);
   header.contentDate = attributes.code(DCM_ContentDate);

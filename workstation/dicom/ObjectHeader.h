@@ -1,6 +1,5 @@
 #pragma once
 
-#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -26,8 +25,5 @@ struct ObjectHeader {
   /// By its modality or its class (PS3.3 A.35).
   bool isStructuredReport() const;
 };
-
-/// The header of a file, or nothing, with a phrase in `problem`, when it is not a DICOM file that can be read.
-std::optional<ObjectHeader> readObjectHeader(const std::filesystem::path& file, std::string& problem);
 
 }  // namespace workstation

@@ -3,7 +3,7 @@
 
 #include "workstation/dicom/Attributes.h"
 #include "workstation/dicom/LabellingReport.h"
-#include "workstation/dicom/ParsedFile.h"
+#include "workstation/dicom/ParsedObjects.h"
 #include "workstation/dicom/PrivateBlock.h"
 #include "workstation/dicom/ReportContent.h"
 
@@ -66,7 +66,10 @@ Result<StoredReport> headerIn(ParsedFile& file) {
   return Result<StoredReport>::of(std::move(report));
 }
 
-Result<StoredReport> reportIn(ParsedFile& file) {
+}  // namespace
+
+Result<StoredReport> reportIn(ParsedFile& file, std::uintmax_t length) {
+  if (length > longestReport) return Result<StoredReport>::refused(tooLong);
   Result<StoredReport> report = headerIn(file);
   if (!report) return report;
   report->archive = archiveIn(file.dataset());
@@ -77,8 +80,6 @@ Result<StoredReport> reportIn(ParsedFile& file) {
   return report;
 }
 
-}  // namespace
-
 Result<StoredReport> readReport(const std::filesystem::path& file) {
   std::error_code error;
   const std::uintmax_t length = std::filesystem::file_size(file, error);
@@ -87,7 +88,7 @@ Result<StoredReport> readReport(const std::filesystem::path& file) {
   ParsedFile parsed;
   std::string problem;
   if (!parsed.parse(file, problem)) return Result<StoredReport>::refused(problem);
-  return reportIn(parsed);
+  return reportIn(parsed, length);
 }
 
 Result<StoredReport> readReport(const pelmar::Bytes& file) {
@@ -95,7 +96,7 @@ Result<StoredReport> readReport(const pelmar::Bytes& file) {
   ParsedFile parsed;
   std::string problem;
   if (!parsed.parse(file, problem)) return Result<StoredReport>::refused(problem);
-  return reportIn(parsed);
+  return reportIn(parsed, file.size());
 }
 
 Result<StoredReport> readReportHeader(const std::filesystem::path& file) {

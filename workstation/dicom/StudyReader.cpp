@@ -8,6 +8,7 @@
 #include <cctype>
 #include <string_view>
 
+#include "workstation/dicom/AnyFile.h"
 #include "workstation/dicom/Attributes.h"
 #include "workstation/dicom/Copies.h"
 #include "workstation/dicom/FileSignature.h"
@@ -15,7 +16,7 @@
 #include "workstation/dicom/FrameGroups.h"
 #include "workstation/dicom/Identity.h"
 #include "workstation/dicom/ImageLayout.h"
-#include "workstation/dicom/ParsedFile.h"
+#include "workstation/dicom/ParsedObjects.h"
 #include "workstation/dicom/Toolkit.h"
 
 namespace workstation {
@@ -84,8 +85,7 @@ bool readRecords(DcmDataset& dataset, const fs::path& file, std::vector<ImageRec
   return true;
 }
 
-void readDicom(const fs::path& file, FileSignature signature, ReadResult& result) {
-  ParsedFile parsed;
+void readDicom(const fs::path& file, FileSignature signature, ParsedFile& parsed, ReadResult& result) {
   std::string problem;
   if (!parsed.parse(file, problem)) {
     const bool isCertain = signature == FileSignature::dicom || isNamedAsImage(file);
@@ -103,9 +103,8 @@ void readDicom(const fs::path& file, FileSignature signature, ReadResult& result
     result.unreadable.push_back({file, problem});
 }
 
-}  // namespace
-
-void readImageFile(const fs::path& file, ReadResult& result) {
+/// `parsed` holds its structure where it is DICOM.
+void readFile(const fs::path& file, ParsedFile& parsed, ReadResult& result) {
   if (isNamedAsDirectory(file)) {
     result.directories.push_back(file);
     return;
@@ -130,9 +129,27 @@ void readImageFile(const fs::path& file, ReadResult& result) {
       break;
     case FileSignature::dicom:
     case FileSignature::headerless:
-      readDicom(file, signature, result);
+      readDicom(file, signature, parsed, result);
       break;
   }
+}
+
+}  // namespace
+
+void readImageFile(const fs::path& file, ReadResult& result) {
+  ParsedFile parsed;
+  readFile(file, parsed, result);
+}
+
+AnyFile readAnyFile(const fs::path& file, const std::function<bool(const ObjectHeader&)>& isWantedAsReport) {
+  AnyFile read;
+  ParsedFile parsed;
+  readFile(file, parsed, read.lists);
+  if (read.lists.otherObjects.empty()) return read;
+  read.header = objectHeaderIn(parsed);
+  std::error_code error;
+  if (isWantedAsReport(*read.header)) read.report = reportIn(parsed, fs::file_size(file, error));
+  return read;
 }
 
 ReadResult readImages(const fs::path& folderOrFile, const ReadOptions& options) {
