@@ -8,15 +8,15 @@ namespace cli {
 
 using nlohmann::ordered_json;
 
-namespace {
-
-ordered_json numberOrNull(const std::optional<int>& number) { return number ? ordered_json(*number) : ordered_json(); }
-
 std::string seriesTitle(const std::optional<int>& series, std::size_t stack) {
   std::string title = series ? "series " + std::to_string(*series) : "series without a number";
   if (stack > 0) title += ", stack " + std::to_string(stack);
   return title;
 }
+
+namespace {
+
+ordered_json numberOrNull(const std::optional<int>& number) { return number ? ordered_json(*number) : ordered_json(); }
 
 std::string sliceRange(int first, int last) {
   return first == last ? std::to_string(first) : std::to_string(first) + "-" + std::to_string(last);

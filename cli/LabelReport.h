@@ -6,6 +6,9 @@
 
 namespace cli {
 
+/// "series 3"; with a stack after the first, "series 3, stack 1".
+std::string seriesTitle(const std::optional<int>& series, std::size_t stack = 0);
+
 /// For people: what was drawn on, the discs, and which slices of each axial series carry which level. `beginning`
 /// stands before "the lumbar spine ...".
 void printLabelling(std::ostream& out, const Labelling& labelling, std::string_view beginning = "Labelled");

@@ -39,6 +39,8 @@ struct Labelling {
   std::size_t verticalStack = 0;
   int verticalSlice = 0;
   int verticalSlices = 0;
+  /// Of a stored labelling: the stack that it was drawn on, where the report names it and the study holds it.
+  std::optional<workstation::StackId> drawnOn;
   std::optional<std::vector<pelmar::PixelPoint>> curve;  ///< pixels of the vertical slice; absent when it is not known
   std::vector<LabelledPlane> planes;                     ///< head to foot
   std::vector<LabelledSlice> slices;                     ///< stacks in order of Series Number, slices in viewer order

@@ -17,6 +17,16 @@ bool isVertical(const Stack& stack) {
   return stack.plane == workstation::Plane::sagittal || stack.plane == workstation::Plane::coronal;
 }
 
+bool isOfNamedSeries(const Workstation& workstation, const StackId& id, const workstation::ReportContext& context) {
+  return isVertical(*workstation.stack(id)) && workstation.series(id)->uid == context.verticalSeriesUid;
+}
+
+/// Whether the report says that this stack was drawn on.
+bool isDrawnOn(const Workstation& workstation, const StackId& id, const workstation::ReportContext& context) {
+  return isOfNamedSeries(workstation, id, context) &&
+         workstation.stack(id)->frameOfReferenceUid == context.frameOfReferenceUid;
+}
+
 /// The stack that was drawn on: a vertical one of the series that the report names, in the report's frame of
 /// reference; where that series is gone, the first vertical one, and else the first of all.
 std::optional<StackId> drawnStack(const Workstation& workstation, const std::string& studyUid,
@@ -24,11 +34,10 @@ std::optional<StackId> drawnStack(const Workstation& workstation, const std::str
   std::optional<StackId> found;
   int best = -1;
   for (const auto& id : workstation.stacks(studyUid)) {
-    const auto& stack = *workstation.stack(id);
-    int rank = isVertical(stack) ? 1 : 0;
-    if (rank == 1 && workstation.series(id)->uid == context.verticalSeriesUid) {
-      rank = stack.frameOfReferenceUid == context.frameOfReferenceUid ? 3 : 2;
-    }
+    const int rank = isDrawnOn(workstation, id, context)         ? 3
+                     : isOfNamedSeries(workstation, id, context) ? 2
+                     : isVertical(*workstation.stack(id))        ? 1
+                                                                 : 0;
     if (rank > best) {
       best = rank;
       found = id;
@@ -117,6 +126,7 @@ Expected<Labelling> storedLabelling(StudySession& session, const std::string& st
   labelling.verticalStack = vertical->stack;
   labelling.verticalSlice = drawnSlice(stack, labelling.planes);
   labelling.verticalSlices = static_cast<int>(stack.slices.size());
+  if (isDrawnOn(workstation, *vertical, context)) labelling.drawnOn = *vertical;
   labelling.slices =
       slicesByLevel(workstation, studyUid,
                     context.frameOfReferenceUid.empty() ? stack.frameOfReferenceUid : context.frameOfReferenceUid);

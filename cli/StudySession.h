@@ -98,6 +98,7 @@ class StudySession {
   StudySource& source() { return source_; }
   workstation::LabellingStore& store() { return store_; }
   workstation::Workstation& workstation() { return *workstation_; }
+  const workstation::Workstation& workstation() const { return *workstation_; }
   /// What the store and the database have to tell the person, but for what ends like a sentence that is told anyway.
   void printNotices(const std::string& told = {});
 

@@ -10,11 +10,12 @@ sourceFolders=(host plugin spine geometry display state workstation phantom cli 
 # What a program of ours is built from, and what only the tests need. The optional ones speed things up or serve as
 # independent judges: without them the build goes on and the tests that need them say that they skip.
 packagesToBuild=(build-essential cmake ninja-build pkg-config libdcmtk-dev libopenjp2-7-dev nlohmann-json3-dev libcli11-dev
-                 libsqlitecpp-dev libutf8proc-dev)
+                 libsqlitecpp-dev libutf8proc-dev zlib1g-dev)
 packagesToBuildOptional=(ccache qt6-base-dev fonts-dejavu-core)
 packagesToTest=("${packagesToBuild[@]}" libgtest-dev libgmock-dev libbenchmark-dev)
-packagesToTestOptional=("${packagesToBuildOptional[@]}" dcmtk dicom3tools libgdcm-tools python3-pydicom python3-pil gobjc
-                        libgnustep-base-dev gnustep-make libplist-utils groff-base man-db mandoc)
+packagesToTestOptional=("${packagesToBuildOptional[@]}" dcmtk dicom3tools libgdcm-tools python3-pydicom python3-pil
+                        python3-nibabel python3-jsonschema gobjc libgnustep-base-dev gnustep-make libplist-utils
+                        groff-base man-db mandoc)
 packagesToTestPlugin=(build-essential cmake ninja-build libgtest-dev libgmock-dev)
 packagesToLint=("${packagesToTest[@]}" clang-14 clang-tidy-14)
 
