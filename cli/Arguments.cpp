@@ -73,6 +73,17 @@ Expected<Arguments> showArguments(RawArguments& raw) {
   return Arguments(raw.show);
 }
 
+Expected<Arguments> exportArguments(RawArguments& raw) {
+  auto& exported = raw.exported;
+  exported.format = formatsByName.at(raw.exportFormat);
+  const auto& file = exported.outFile;
+  // Programs that read NIfTI files know by the name whether they are packed.
+  if (exported.format == ExportFormat::sct && !file.ends_with(".nii") && !file.ends_with(".nii.gz")) {
+    return Failure{ExitUsage, "--format sct writes a NIfTI file: '" + file + "' must end in .nii or .nii.gz."};
+  }
+  return Arguments(exported);
+}
+
 std::optional<Failure> checkCommandName(const CLI::App& app, int argc, const char* const* argv) {
   const std::string first = argc < 2 ? "" : argv[1];
   if (first == "-h" || first == "--help" || first == "--version") return std::nullopt;
@@ -161,6 +172,7 @@ Expected<Arguments> parseArguments(int argc, const char* const* argv) {
   if (command == "restore") return Arguments(raw.restore);
   if (command == "render") return Arguments(raw.render);
   if (command == "terms") return Arguments(raw.terms);
+  if (command == "export") return exportArguments(raw);
   return Arguments(raw.play);
 }
 

@@ -85,14 +85,23 @@ struct TermsArguments {
   bool json = false;
 };
 
+enum class ExportFormat { json, csv, slicer, sct };
+
+struct ExportArguments {
+  std::string study;
+  std::string database;
+  ExportFormat format = ExportFormat::json;
+  std::string outFile;
+};
+
 /// Help or version was asked for: print the text and be done.
 struct TextToPrint {
   std::string text;
 };
 
-using Arguments =
-    std::variant<TextToPrint, DemoArguments, PhantomArguments, ImportArguments, InfoArguments, LabelArguments,
-                 ShowArguments, HistoryArguments, RestoreArguments, RenderArguments, PlayArguments, TermsArguments>;
+using Arguments = std::variant<TextToPrint, DemoArguments, PhantomArguments, ImportArguments, InfoArguments,
+                               LabelArguments, ShowArguments, HistoryArguments, RestoreArguments, RenderArguments,
+                               ExportArguments, PlayArguments, TermsArguments>;
 
 /// Reads the command line; what is wrong with it is a Failure with ExitUsage.
 Expected<Arguments> parseArguments(int argc, const char* const* argv);

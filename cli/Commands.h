@@ -15,6 +15,7 @@ int runHistory(const HistoryArguments& arguments);
 int runRestore(const RestoreArguments& arguments);
 int runRender(const RenderArguments& arguments);
 int runTerms(const TermsArguments& arguments);
+int runExport(const ExportArguments& arguments);
 
 /// Parses and runs; the whole program.
 int run(int argc, const char* const* argv);

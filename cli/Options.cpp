@@ -3,11 +3,19 @@
 namespace cli {
 
 const std::map<std::string, int> regionsByName{{"cervical", 0}, {"thoracic", 1}, {"lumbar", 2}};
+const std::map<std::string, ExportFormat> formatsByName{{"json", ExportFormat::json},
+                                                        {"csv", ExportFormat::csv},
+                                                        {"slicer", ExportFormat::slicer},
+                                                        {"sct", ExportFormat::sct}};
 
 namespace {
 
 std::string checkRegion(const std::string& name) {
   return regionsByName.contains(name) ? "" : "'" + name + "' is no region: give cervical, thoracic or lumbar";
+}
+
+std::string checkFormat(const std::string& name) {
+  return formatsByName.contains(name) ? "" : "'" + name + "' is no format: give json, csv, slicer or sct";
 }
 
 /// The argument that names a study, and where it lies.
@@ -104,6 +112,22 @@ void addRender(CLI::App& app, RawArguments& raw) {
   render->footer("Example:\n  vertana render /tmp/spine --out /tmp/pictures");
 }
 
+void addExport(CLI::App& app, RawArguments& raw) {
+  auto* exported = app.add_subcommand("export", "Write the stored labelling for other programs");
+  addStudy(*exported, raw.exported.study, raw.exported.database);
+  exported
+      ->add_option("--format", raw.exportFormat,
+                   "json or csv (as show prints them),\nslicer (3D Slicer markups, .mrk.json) or\nsct (Spinal Cord "
+                   "Toolbox disc labels, .nii)")
+      ->required()
+      ->type_name("FORMAT")
+      ->check(checkFormat);
+  exported->add_option("--out", raw.exported.outFile, "File to write to (an earlier one is replaced)")
+      ->required()
+      ->type_name("FILE");
+  exported->footer("Example:\n  vertana export /tmp/spine --format slicer --out /tmp/discs.mrk.json");
+}
+
 void addPlay(CLI::App& app, RawArguments& raw) {
   auto* play = app.add_subcommand("play", "Run a session script and print its dumps");
   play->add_option("SCRIPT", raw.play.script, "File with the script (JSON)")->required()->type_name("");
@@ -145,6 +169,7 @@ void addCommands(CLI::App& app, RawArguments& raw) {
   addHistory(app, raw);
   addRestore(app, raw);
   addRender(app, raw);
+  addExport(app, raw);
   addPlay(app, raw);
   addTerms(app, raw);
 }

@@ -21,6 +21,7 @@ struct RawArguments {
   HistoryArguments history;
   RestoreArguments restore;
   RenderArguments render;
+  ExportArguments exported;
   PlayArguments play;
   TermsArguments terms;
   std::string phantomRegion;
@@ -30,12 +31,14 @@ struct RawArguments {
   std::optional<std::string> slice;
   std::optional<std::string> jobs;
   std::string labelRegion;
+  std::string exportFormat;
   std::string line;
   std::string polygon;
   bool listTerms = false;  ///< what is done anyway
 };
 
 extern const std::map<std::string, int> regionsByName;
+extern const std::map<std::string, ExportFormat> formatsByName;
 
 /// Makes the parser that of vertana, with every command; it then fills `raw`.
 void addCommands(CLI::App& app, RawArguments& raw);

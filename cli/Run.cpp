@@ -23,6 +23,7 @@ int dispatch(const Arguments& arguments) {
   if (const auto* restore = std::get_if<RestoreArguments>(&arguments)) return runRestore(*restore);
   if (const auto* render = std::get_if<RenderArguments>(&arguments)) return runRender(*render);
   if (const auto* terms = std::get_if<TermsArguments>(&arguments)) return runTerms(*terms);
+  if (const auto* exported = std::get_if<ExportArguments>(&arguments)) return runExport(*exported);
   return play(std::get<PlayArguments>(arguments));
 }
 

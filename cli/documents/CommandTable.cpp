@@ -16,16 +16,23 @@ std::vector<std::string> regionNames() {
   return names;
 }
 
+std::vector<std::string> formatNames() {
+  std::vector<std::string> names;
+  for (const auto& [name, format] : formatsByName) names.push_back(name);
+  return names;
+}
+
 /// What each name of a value means to a person who is to give one.
 const std::map<std::string, ValueFacts>& knownValues() {
   static const std::map<std::string, ValueFacts> known = [] {
     std::map<std::string, ValueFacts> values;
     for (const char* name : {"DIR", "STUDY"}) values[name].kind = ValueKind::folder;
     for (const char* name : {"FILE", "PATH", "SCRIPT"}) values[name].kind = ValueKind::file;
-    for (const char* name : {"N", "K", "FORMAT", "OBJECT", "TERM", "X0,Y0,X1,Y1", "X0,Y0,X1,Y1,..."}) {
+    for (const char* name : {"N", "K", "OBJECT", "TERM", "X0,Y0,X1,Y1", "X0,Y0,X1,Y1,..."}) {
       values[name].kind = ValueKind::text;
     }
     values["REGION"] = {"", ValueKind::words, regionNames()};
+    values["FORMAT"] = {"", ValueKind::words, formatNames()};
     for (auto& [name, facts] : values) facts.name = name;
     return values;
   }();

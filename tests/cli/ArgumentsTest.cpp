@@ -118,6 +118,33 @@ TEST(Render, NeedsAFolderToWriteTo) {
   expectWords(refusal({"render", "folder"}), {"--out"});
 }
 
+TEST(Export, NeedsAFormatAndAFile) {
+  const std::vector<std::pair<const char*, ExportFormat>> formats{{"json", ExportFormat::json},
+                                                                  {"csv", ExportFormat::csv},
+                                                                  {"slicer", ExportFormat::slicer},
+                                                                  {"sct", ExportFormat::sct}};
+  for (const auto& [name, format] : formats) {
+    const auto parsed = parse({"export", "1.2.3", "--database", "db", "--format", name, "--out", "discs.nii"});
+    ASSERT_TRUE(parsed) << name;
+    const auto& exported = std::get<ExportArguments>(*parsed);
+    EXPECT_EQ(exported.study, "1.2.3");
+    EXPECT_EQ(exported.database, "db");
+    EXPECT_EQ(exported.format, format) << name;
+    EXPECT_EQ(exported.outFile, "discs.nii");
+  }
+  expectWords(refusal({"export", "folder", "--out", "file"}), {"--format"});
+  expectWords(refusal({"export", "folder", "--format", "csv"}), {"--out"});
+  expectWords(refusal({"export", "folder", "--format", "xml", "--out", "file"}),
+              {"'xml' is no format: give json, csv, slicer or sct"});
+}
+
+TEST(Export, WantsANiftiNameForANiftiFile) {
+  EXPECT_TRUE(parse({"export", "folder", "--format", "sct", "--out", "discs.nii.gz"}));
+  expectWords(refusal({"export", "folder", "--format", "sct", "--out", "discs.csv"}),
+              {"--format sct writes a NIfTI file: 'discs.csv' must end in"});
+  expectWords(refusal({"export", "folder", "--format", "sct", "--out", "discs.gz"}), {".nii.gz"});
+}
+
 TEST(Play, NeedsAScript) {
   const auto parsed = parse({"play", "session.json", "--database", "db"});
   ASSERT_TRUE(parsed);
@@ -185,8 +212,8 @@ TEST(Usage, TheLargestSeedFits) {
 }
 
 TEST(Usage, WhatIsWrongIsNamed) {
-  expectWords(refusal({}),
-              {"No command", "demo, phantom, import, info, label, show, history, restore, render, play, terms"});
+  expectWords(refusal({}), {"No command",
+                            "demo, phantom, import, info, label, show, history, restore, render, export, play, terms"});
   expectWords(refusal({"--bogus"}), {"'--bogus'"});
   expectWords(refusal({"lable"}), {"'lable'", "label"});
   expectWords(refusal({"info", "--json=maybe", "folder"}), {"--json", "no value"});

@@ -92,7 +92,8 @@ TEST_F(Exported, FileThatCannotBeFinishedLeavesTheEarlierOne) {
 TEST_F(Exported, FileNeverReplacesADicomFile) {
   const auto image = std::string(128, '\0') + "DICM" + std::string(200, 'x');
   put(file_, image);
-  EXPECT_NE(refusal(file_).find("is a DICOM file"), std::string::npos);
+  EXPECT_NE(refusal(file_).find("is a DICOM file, which an export never replaces: give --out another name."),
+            std::string::npos);
   EXPECT_EQ(textOf(file_), image);
   // A data set without a preamble: SOP Class UID, explicit VR, and an element that follows.
   const auto headerless = std::string(
@@ -101,12 +102,13 @@ TEST_F(Exported, FileNeverReplacesADicomFile) {
       "1.3\0",
       24);
   put(file_, headerless);
-  EXPECT_NE(refusal(file_).find("is a DICOM file"), std::string::npos);
+  EXPECT_NE(refusal(file_).find("is a DICOM file, which an export never replaces: give --out another name."),
+            std::string::npos);
   EXPECT_EQ(textOf(file_), headerless);
 }
 
 TEST_F(Exported, FileIsNoFolderAndNoDevice) {
-  EXPECT_NE(refusal(folder_).find("is a folder"), std::string::npos);
+  EXPECT_NE(refusal(folder_).find("is a folder: give --out the name of a file."), std::string::npos);
   EXPECT_NE(refusal("/dev/null").find("no ordinary file"), std::string::npos);
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }

@@ -28,7 +28,9 @@ std::string refusal(const Labelling& labelling, const Series* series) {
   const auto file = sctDiscLabels(labelling, series);
   EXPECT_FALSE(file);
   EXPECT_EQ(file.failure.status, ExitNotAllowed);
-  EXPECT_NE(file.failure.sentence.find("Spinal Cord Toolbox"), std::string::npos) << file.failure.sentence;
+  EXPECT_NE(file.failure.sentence.find("The labelling cannot be told by Spinal Cord Toolbox labels: "),
+            std::string::npos)
+      << file.failure.sentence;
   return file.failure.sentence;
 }
 
@@ -82,36 +84,36 @@ TEST(SctDiscLabels, LeaveOutTheJointOfSkullAndAtlas) {
 TEST(SctDiscLabels, AreRefusedForALevelWithoutANumber) {
   auto labelling = twoDiscs();
   labelling.planes[1].name = "C7-C8";
-  expectWords(refusal(labelling), "no number for C7-C8");
+  expectWords(refusal(labelling), "they have no number for C7-C8 (they go from C2-C3 to L5-S1).");
 }
 
 TEST(SctDiscLabels, AreRefusedForADiscOutsideTheImages) {
   auto labelling = twoDiscs();
   labelling.planes[1].point[0] = 8;
-  expectWords(refusal(labelling), "C3-C4 lies outside the images");
+  expectWords(refusal(labelling), "C3-C4 lies outside the images that were drawn on");
 }
 
 TEST(SctDiscLabels, AreRefusedForTwoDiscsInOneVoxel) {
   auto labelling = twoDiscs();
   labelling.planes[1].point = {0.5, 12.4, 99};
-  expectWords(refusal(labelling), "C3-C4 lies in the same voxel");
+  expectWords(refusal(labelling), "C3-C4 lies in the same voxel as the disc before it");
 }
 
 TEST(SctDiscLabels, AreRefusedWithoutAnyDisc) {
   auto labelling = twoDiscs();
   labelling.planes.resize(1);
   labelling.planes[0].name = "C0-C1";
-  expectWords(refusal(labelling), "no disc");
+  expectWords(refusal(labelling), "it has no disc that they have a number for");
 }
 
 TEST(SctDiscLabels, AreRefusedWithoutTheSeries) {
-  expectWords(refusal(twoDiscs(), nullptr), "does not hold the series");
+  expectWords(refusal(twoDiscs(), nullptr), "the study does not hold the series that was drawn on");
 }
 
 TEST(SctDiscLabels, AreRefusedForASeriesOfSeveralStacks) {
   auto series = seriesOf(sagittalStack(3));
   series.stacks.push_back(sagittalStack(3));
-  expectWords(refusal(twoDiscs(), &series), "series 6 is no single volume");
+  expectWords(refusal(twoDiscs(), &series), "series 6 is no single volume: it falls into several stacks");
 }
 
 TEST(SctDiscLabels, AreRefusedForSlicesThatAreNoGrid) {

@@ -82,7 +82,10 @@ TEST(SlicerMarkups, AreRefusedForAPlaneWithoutDirection) {
   const auto file = slicerMarkups(labelling);
   ASSERT_FALSE(file);
   EXPECT_EQ(file.failure.status, ExitNotAllowed);
-  EXPECT_NE(file.failure.sentence.find("L5-S1 has no direction"), std::string::npos) << file.failure.sentence;
+  EXPECT_EQ(
+      file.failure.sentence,
+      "The labelling cannot be told by 3D Slicer markups: the plane of L5-S1 has no direction; draw it again, with "
+      "its points further apart.");
 }
 
 }  // namespace

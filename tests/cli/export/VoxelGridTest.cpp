@@ -100,27 +100,32 @@ std::string nameOfStack(const testing::TestParamInfo<BadStack>& bad) {
 
 INSTANTIATE_TEST_SUITE_P(
     VoxelGrid, StackWithoutGrid,
-    testing::Values(BadStack{"unevenly spaced", [](Stack& s) { s.slices[1].geometry->position[0] += 0.3; },
-                             "not evenly spaced"},
-                    BadStack{"a slice twice", [](Stack& s) { s.slices[2] = s.slices[1]; }, "not evenly spaced"},
-                    BadStack{"tilted",
-                             [](Stack& s) {
-                               for (std::size_t i = 0; i < 4; ++i)
-                                 s.slices[i].geometry->position[2] += 0.1 * static_cast<double>(i);
-                             },
-                             "tilted"},
-                    BadStack{"turned",
-                             [](Stack& s) {
-                               s.slices[3].geometry->row = {std::sin(0.1), std::cos(0.1), 0};
-                             },
-                             "direction"},
-                    BadStack{"finer rows", [](Stack& s) { s.slices[3].geometry->spacingY = 2.5; }, "pixel spacing"},
-                    BadStack{"more rows", [](Stack& s) { s.slices[3].rows = 4; }, "differ in size"},
-                    BadStack{"no position", [](Stack& s) { s.slices[3].geometry.reset(); }, "without a position"},
-                    BadStack{"one slice", [](Stack& s) { s.slices.resize(1); }, "one slice only"},
-                    BadStack{"all in one place", [](Stack& s) { s.slices.assign(4, s.slices[0]); }, "in one plane"},
-                    BadStack{"too wide", [](Stack& s) { resize(s, 32768, 1); }, "32767 voxels along a side"},
-                    BadStack{"too many voxels", [](Stack& s) { resize(s, 32767, 32767); }, "1073741824 voxels"}),
+    testing::Values(
+        BadStack{"unevenly spaced", [](Stack& s) { s.slices[1].geometry->position[0] += 0.3; },
+                 "has slices that are not evenly spaced"},
+        BadStack{"a slice twice", [](Stack& s) { s.slices[2] = s.slices[1]; }, "has slices that are not evenly spaced"},
+        BadStack{"tilted",
+                 [](Stack& s) {
+                   for (std::size_t i = 0; i < 4; ++i)
+                     s.slices[i].geometry->position[2] += 0.1 * static_cast<double>(i);
+                 },
+                 "is tilted: its slices are shifted against each other"},
+        BadStack{"turned",
+                 [](Stack& s) {
+                   s.slices[3].geometry->row = {std::sin(0.1), std::cos(0.1), 0};
+                 },
+                 "has slices that differ in size, pixel spacing or direction"},
+        BadStack{"finer rows", [](Stack& s) { s.slices[3].geometry->spacingY = 2.5; },
+                 "has slices that differ in size, pixel spacing or direction"},
+        BadStack{"more rows", [](Stack& s) { s.slices[3].rows = 4; },
+                 "has slices that differ in size, pixel spacing or direction"},
+        BadStack{"no position", [](Stack& s) { s.slices[3].geometry.reset(); },
+                 "has slices without a position in the patient"},
+        BadStack{"one slice", [](Stack& s) { s.slices.resize(1); }, "has one slice only, which has no thickness"},
+        BadStack{"all in one place", [](Stack& s) { s.slices.assign(4, s.slices[0]); },
+                 "has slices that lie in one plane"},
+        BadStack{"too wide", [](Stack& s) { resize(s, 32768, 1); }, "has more than 32767 voxels along a side"},
+        BadStack{"too many voxels", [](Stack& s) { resize(s, 32767, 32767); }, "has more than 1073741824 voxels"}),
     nameOfStack);
 
 }  // namespace
