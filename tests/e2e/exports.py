@@ -2,7 +2,8 @@
 """A stored labelling as a file for other programs, each read back by a reader that is not ours.
 
 The discs' places come from the phantom's truth, the grid from the DICOM files, the rest from `show`.
-usage: exports.py VERTANA LABELLING_SCHEMA
+usage: exports.py VERTANA LABELLING_SCHEMA                 phantoms
+       exports.py VERTANA LABELLING_SCHEMA SHARED_DATA     a real study, whose slices are oblique
 """
 import csv
 import gzip
@@ -16,7 +17,7 @@ import tempfile
 
 import pydicom
 
-from program import Checks, Run, phantom, skip
+from program import Checks, Run, phantom, shared_data, skip
 
 try:
     import jsonschema
@@ -310,25 +311,55 @@ def check_database(checks, program, top, study):
     checks.that(run.status == 0 and json.loads(file.read_text())["study"] == uid, "a study of a database is exported", run)
 
 
+def check_real_study(checks, program, top, schema, data):
+    """The discs that were read by eye lie in the patient where the volume says."""
+    folder = shutil.copytree(data, top / "real")
+    reference = json.loads((folder / "reference_discs.json").read_text())
+    discs = {disc["level"].replace("/", "-"): disc for disc in reference["discs"] if disc["level"] != "T11/T12"}
+    stack = images(folder / reference["sagittal_series"], 0)
+    drawn = [image.SOPInstanceUID for image in stack].index(reference["sagittal_sop"])
+    polygon = ",".join(str(number) for disc in discs.values() for number in disc["pixel"])
+    run = Run(program, ["label", folder, "--series", stack[0].SeriesNumber, "--slice", drawn, "--polygon", polygon,
+                        "--region", "lumbar"])
+    checks.that(run.status == 0, "the real study is labelled", run)
+    shown = Run(program, ["show", folder, "--json"]).json()
+    check_json(checks, program, folder, shown, schema, top / "real.json")
+    check_sct(checks, program, folder, shown, stack, top / "real.nii")
+    volume = nibabel.load(top / "real.nii")
+    for voxel in np.argwhere(volume.dataobj):
+        name = next(name for name, number in SCT_NUMBERS.items() if number == volume.dataobj[tuple(voxel)])
+        checks.that(voxel[2] == drawn and np.all(np.abs(voxel[:2] - discs[name]["pixel"]) <= 1),
+                    f"{name}: at the pixel that was drawn, {voxel}")
+        place = np.diag([-1, -1, 1]) @ (volume.affine @ [*voxel, 1])[:3]
+        checks.that(np.linalg.norm(place - discs[name]["patient"]) < 1, f"{name}: where it lies in the patient, {place}")
+
+
+def check_phantoms(checks, program, top, schema):
+    study = check_study(checks, program, top, schema, "lumbar", 1, 0)
+    check_study(checks, program, top, schema, "cervical", 1, 0)
+    check_study(checks, program, top, schema, "thoracic", 2, 1)
+    for region, disc in (("cervical", "C7-C8"), ("thoracic", "T12-T13"), ("lumbar", "L5-L6")):
+        check_extra_vertebra(checks, program, top, schema, region, disc)
+    check_refusals(checks, program, top, study)
+    check_other_frame(checks, program, top, study)
+    check_database(checks, program, top, study)
+    check_target(checks, program, top, study)
+    run = Run(program, ["export", "--help"])
+    checks.that(run.status == 0 and "Example:" in run.out and len(run.out.splitlines()) <= 24 and
+                all(len(line) <= 80 for line in run.out.splitlines()), "the help fits a screen", run)
+
+
 def main():
-    program, schema_file = sys.argv[1:]
+    program, schema_file, *data = sys.argv[1:]
     schema = json.loads(pathlib.Path(schema_file).read_text(encoding="utf-8"))
     jsonschema.Draft202012Validator.check_schema(schema)
     checks = Checks()
     with tempfile.TemporaryDirectory(prefix="vertana-e2e-") as temporary:
         top = pathlib.Path(temporary)
-        study = check_study(checks, program, top, schema, "lumbar", 1, 0)
-        check_study(checks, program, top, schema, "cervical", 1, 0)
-        check_study(checks, program, top, schema, "thoracic", 2, 1)
-        for region, disc in (("cervical", "C7-C8"), ("thoracic", "T12-T13"), ("lumbar", "L5-L6")):
-            check_extra_vertebra(checks, program, top, schema, region, disc)
-        check_refusals(checks, program, top, study)
-        check_other_frame(checks, program, top, study)
-        check_database(checks, program, top, study)
-        check_target(checks, program, top, study)
-        run = Run(program, ["export", "--help"])
-        checks.that(run.status == 0 and "Example:" in run.out and len(run.out.splitlines()) <= 24 and
-                    all(len(line) <= 80 for line in run.out.splitlines()), "the help fits a screen", run)
+        if data:
+            check_real_study(checks, program, top, schema, shared_data(data[0], "lspine_mr_a"))
+        else:
+            check_phantoms(checks, program, top, schema)
     checks.finish()
 
 
