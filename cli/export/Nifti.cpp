@@ -44,7 +44,7 @@ enum HeaderField : std::size_t {
 
 constexpr std::int16_t unsignedBytes = 2;
 constexpr std::int16_t scannerCoordinates = 1;
-constexpr char millimetres = 2;
+constexpr char unitMillimetre = 2;
 
 class Header {
  public:
@@ -146,7 +146,7 @@ std::string niftiFile(const VoxelGrid& grid, const std::vector<LabelledVoxel>& l
   header.put(BitsPerVoxel, std::int16_t{8});
   header.put(VoxelOffset, static_cast<double>(voxelOffset));
   header.put(ScaleSlope, 1.0);
-  header.put(SpatialUnits, std::string(1, millimetres), 1);
+  header.put(SpatialUnits, std::string(1, unitMillimetre), 1);
   header.put(Description, description, 79);
   header.put(Magic, "n+1", 3);
   putGrid(header, grid);
