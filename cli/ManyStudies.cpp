@@ -138,8 +138,8 @@ int forManyStudies(const ManyStudies& many) {
   std::cout << many.heading << std::flush;
   const auto result = runTasks(tasks);
   if (!interrupted()) return result.status;
-  printer.messages(messageLine("Interrupted: " + std::to_string(result.done) + " of " +
-                               counted(studies.size(), "study was", "studies were") + " looked at."));
+  printer.messages(messageLine("Interrupted: " + std::to_string(result.done) + " of " + std::to_string(studies.size()) +
+                               " studies are done."));
   return std::max<int>(result.status, ExitNotAllowed);
 }
 

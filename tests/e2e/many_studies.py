@@ -148,7 +148,7 @@ def check_database(checks, program, top, labelled, plain):
                 "a database that does not exist is refused", run)
     (top / "bare").mkdir()
     run = Run(program, ["show", "--database", top / "bare", "--csv"])
-    checks.that(run.status == 1 and run.out == "" and len(run.messages) == 1 and "holds no study:" in run.messages[0],
+    checks.that(run.status == 1 and run.out == "" and len(run.messages) == 1 and "holds no study: import some with vertana import." in run.messages[0],
                 "a database without a study says so", run)
     report = [path for path in labelled[0].folder.glob("SE*/vertana-*.dcm")] + \
         [path for path in labelled[0].folder.glob("vertana-*.dcm")]
@@ -198,7 +198,7 @@ def check_interrupt(checks, program, studies):
         ends.add(length)
     checks.that(len(rows) in ends, "it ends after a whole study")
     lines = messages.decode().splitlines()
-    checks.that(len(lines) == 1 and lines[0].startswith("vertana: Interrupted: ") and " of 180 studies" in lines[0],
+    checks.that(len(lines) == 1 and lines[0].startswith("vertana: Interrupted: ") and " of 180 studies are done." in lines[0],
                 f"the person is told: {lines}")
     checks.that(not [one for one in workers if pathlib.Path(f"/proc/{one}").exists()], "no process is left")
 
