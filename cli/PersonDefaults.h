@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "workstation/model/Seams.h"
+#include "workstation/session/DefaultsFile.h"
 
 namespace cli {
 
@@ -27,7 +28,7 @@ class PersonDefaults final : public workstation::DefaultsStore {
   bool saveLearntTerms(const std::optional<pelmar::Value>& terms);
 
  private:
-  std::filesystem::path file_;
+  workstation::DefaultsFile file_;
   std::optional<pelmar::Value> learnt_;  ///< as last read or written
   bool readable_ = true;
 };

@@ -1,13 +1,11 @@
 #include "cli/StudySession.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <set>
 #include <utility>
 
 #include "cli/Console.h"
 #include "cli/PlainText.h"
-#include "workstation/bundles/BundleLoader.h"
 #include "workstation/dicom/StudyReader.h"
 
 namespace cli {
@@ -186,29 +184,17 @@ std::string StudySource::title(const std::string& studyUid) const {
   return "The study " + (isDatabase_ || studies_.size() > 1 ? studyUid + " in " : "in ") + path_;
 }
 
-fs::path pluginBundlePath() {
-  if (const char* named = std::getenv("VERTANA_PLUGIN")) return named;
-  std::error_code error;
-  const auto program = fs::read_symlink("/proc/self/exe", error);
-  return program.parent_path().parent_path() / "lib" / "Vertana.plugin";
-}
-
 StudySession::StudySession(StudySource& source)
-    : source_(source), archive_(points_), store_(source.database(), points_) {}
+    : source_(source), session_(source.database(), [this] {
+        workstation::Options options;
+        options.defaultsStore = &defaults_;
+        return options;
+      }()) {}
 
 Expected<std::unique_ptr<StudySession>> StudySession::open(StudySource& source, const std::string& studyUid) {
   std::unique_ptr<StudySession> session(new StudySession(source));
-  workstation::Options options;
-  options.defaultsStore = &session->defaults_;
-  options.reports = &session->store_;
-  options.keyedArchiving = &session->archive_;
-  session->workstation_ = std::make_unique<workstation::Workstation>(options);
-  auto& workstation = *session->workstation_;
-  session->store_.setContextSource([&workstation](const std::string& uid) { return workstation.reportContext(uid); });
-  auto plugin = workstation::loadBundle(pluginBundlePath(), workstation.api());
-  if (!plugin) return Failure{ExitUnreadable, plugin.problem};
-  workstation.setPlugin(std::move(*plugin));
-  workstation.addImages(source.database().images(studyUid));
+  if (const auto loaded = session->session_.loadPlugin(); !loaded) return Failure{ExitUnreadable, *loaded.problem};
+  session->workstation().addImages(source.database().images(studyUid));
   return session;
 }
 
@@ -224,7 +210,7 @@ int withStudy(const std::string& study, const std::string& database,
 
 void StudySession::printNotices(const std::string& told) {
   source_.printNotices();
-  for (const auto& notice : store_.takeNotices()) {
+  for (const auto& notice : store().takeNotices()) {
     if (told.empty() || !notice.ends_with(told)) printMessage(notice);
   }
 }

@@ -11,11 +11,8 @@
 
 #include "cli/ExitStatus.h"
 #include "cli/PersonDefaults.h"
-#include "workstation/archive/KeyedArchive.h"
-#include "workstation/database/LabellingStore.h"
 #include "workstation/database/StudyDatabase.h"
-#include "workstation/model/Points.h"
-#include "workstation/model/Workstation.h"
+#include "workstation/session/Session.h"
 
 namespace cli {
 
@@ -84,10 +81,6 @@ class StudySource {
   std::size_t printedNotices_ = 0;
 };
 
-/// The plug-in's bundle: the one named by the environment's VERTANA_PLUGIN, else ../lib/Vertana.plugin beside the
-/// program.
-std::filesystem::path pluginBundlePath();
-
 /// A workstation with the plug-in, the person's defaults and one study. Letting it go is as a crash: what should be
 /// kept is kept by Workstation::quit().
 class StudySession {
@@ -96,9 +89,9 @@ class StudySession {
   static Expected<std::unique_ptr<StudySession>> open(StudySource& source, const std::string& studyUid);
 
   StudySource& source() { return source_; }
-  workstation::LabellingStore& store() { return store_; }
-  workstation::Workstation& workstation() { return *workstation_; }
-  const workstation::Workstation& workstation() const { return *workstation_; }
+  workstation::LabellingStore& store() { return session_.store(); }
+  workstation::Workstation& workstation() { return session_.workstation(); }
+  const workstation::Workstation& workstation() const { return session_.workstation(); }
   /// What the store and the database have to tell the person, but for what ends like a sentence that is told anyway.
   void printNotices(const std::string& told = {});
 
@@ -107,10 +100,7 @@ class StudySession {
 
   StudySource& source_;
   PersonDefaults defaults_;
-  workstation::PatientPointClass points_;
-  workstation::KeyedArchive archive_;
-  workstation::LabellingStore store_;
-  std::unique_ptr<workstation::Workstation> workstation_;
+  workstation::Session session_;
 };
 
 /// Opens the one study that the folder or database holds and does the task on it; the exit status. Failures to open are

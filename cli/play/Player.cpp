@@ -3,20 +3,12 @@
 #include <ostream>
 
 #include "cli/Console.h"
-#include "cli/StudySession.h"
 #include "cli/play/Dump.h"
-#include "workstation/bundles/BundleLoader.h"
 
 namespace cli {
 
-Player::Process::Process(std::unique_ptr<OpenedStudies> opened, workstation::Options options)
-    : studies(std::move(opened)), archive(points), store(studies->shelf(), points), workstation([&] {
-        options.reports = &store;
-        options.keyedArchiving = &archive;
-        return std::move(options);
-      }()) {
-  store.setContextSource([this](const std::string& study) { return workstation.reportContext(study); });
-}
+Player::Process::Process(std::unique_ptr<OpenedStudies> opened, const workstation::Options& options)
+    : studies(std::move(opened)), session(studies->shelf(), options) {}
 
 Player::Player(const Script& script, std::string database, std::ostream& out)
     : database_(std::move(database)), out_(out), defaults_(script.defaults) {
@@ -37,10 +29,8 @@ std::optional<Failure> Player::startProcess() {
   auto studies = OpenedStudies::open(database_, pathsInPlace_);
   if (!studies) return studies.failure;
   process_ = std::make_unique<Process>(std::move(*studies), options_);
-  process_->store.setFailing(savesFail_);
-  auto plugin = workstation::loadBundle(pluginBundlePath(), workstation().api());
-  if (!plugin) return Failure{ExitUnreadable, plugin.problem};
-  workstation().setPlugin(std::move(*plugin));
+  process_->session.store().setFailing(savesFail_);
+  if (const auto loaded = process_->session.loadPlugin(); !loaded) return Failure{ExitUnreadable, *loaded.problem};
   return std::nullopt;
 }
 
@@ -53,7 +43,7 @@ std::optional<Failure> Player::run(const Step& step) {
 void Player::collect() {
   for (auto& alert : workstation().takeAlerts()) alerts_.push_back(std::move(alert));
   for (auto& address : workstation().takeOpenedAddresses()) addresses_.push_back(std::move(address));
-  for (const auto& notice : process_->store.takeNotices()) printMessage(notice);
+  for (const auto& notice : process_->session.store().takeNotices()) printMessage(notice);
 }
 
 void Player::quit() {
@@ -77,7 +67,7 @@ std::optional<Failure> Player::runStep(const CrashStep&) {
 
 std::optional<Failure> Player::runStep(const FailSavesStep& step) {
   savesFail_ = step.on;
-  process_->store.setFailing(savesFail_);
+  process_->session.store().setFailing(savesFail_);
   return std::nullopt;
 }
 
@@ -89,7 +79,7 @@ std::optional<Failure> Player::runStep(const DumpStep& step) {
   DumpHeader header{step.name, std::move(alerts_), std::move(addresses_), studies_};
   alerts_.clear();
   addresses_.clear();
-  out_ << dumpLine(workstation(), process_->store, header) << '\n' << std::flush;
+  out_ << dumpLine(workstation(), process_->session.store(), header) << '\n' << std::flush;
   return std::nullopt;
 }
 

@@ -8,10 +8,7 @@
 
 #include "cli/play/OpenedStudies.h"
 #include "cli/play/Script.h"
-#include "workstation/archive/KeyedArchive.h"
-#include "workstation/database/LabellingStore.h"
-#include "workstation/model/Points.h"
-#include "workstation/model/Workstation.h"
+#include "workstation/session/Session.h"
 
 namespace cli {
 
@@ -42,13 +39,10 @@ class Player {
  private:
   /// What a crash ends.
   struct Process {
-    Process(std::unique_ptr<OpenedStudies> opened, workstation::Options options);
+    Process(std::unique_ptr<OpenedStudies> opened, const workstation::Options& options);
 
     std::unique_ptr<OpenedStudies> studies;
-    workstation::PatientPointClass points;
-    workstation::KeyedArchive archive;
-    workstation::LabellingStore store;
-    workstation::Workstation workstation;
+    workstation::Session session;
   };
 
   Player(const Script& script, std::string database, std::ostream& out);
@@ -85,7 +79,7 @@ class Player {
   std::optional<Failure> runStep(const RestartStep& step);
   std::optional<Failure> runStep(const CrashStep& step);
 
-  workstation::Workstation& workstation() const { return process_->workstation; }
+  workstation::Workstation& workstation() const { return process_->session.workstation(); }
 
   workstation::Options options_;
   std::string database_;

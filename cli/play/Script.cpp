@@ -4,10 +4,10 @@
 #include <cmath>
 #include <limits>
 
-#include "cli/JsonValues.h"
 #include "cli/play/StepFields.h"
 #include "cli/play/StepWords.h"
 #include "cli/play/StrictJson.h"
+#include "workstation/session/JsonValues.h"
 
 namespace cli {
 
@@ -204,7 +204,7 @@ Problem readTop(const std::string& key, const ordered_json& value, Script& scrip
   if (key == "host") return readHost(value, script);
   if (key == "defaults") {
     if (!value.is_object()) return "must be an object";
-    script.defaults = *valueFromJson(value).dictionary();
+    script.defaults = *workstation::valueFromJson(value).dictionary();
     return std::nullopt;
   }
   if (key != "steps") return "is no key here";

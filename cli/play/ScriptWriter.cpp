@@ -1,8 +1,8 @@
 // The script as text.
-#include "cli/JsonValues.h"
 #include "cli/play/Script.h"
 #include "cli/play/StepFields.h"
 #include "cli/play/StepWords.h"
+#include "workstation/session/JsonValues.h"
 
 namespace cli {
 
@@ -78,7 +78,7 @@ std::string textOf(const Step& step) {
 std::string writeScript(const Script& script) {
   std::string text = "{";
   if (script.database) text += "\"database\": " + textOf(*script.database) + ",\n ";
-  if (!script.defaults.empty()) text += "\"defaults\": " + textOf(jsonFromValue(script.defaults)) + ",\n ";
+  if (!script.defaults.empty()) text += "\"defaults\": " + textOf(workstation::jsonFromValue(script.defaults)) + ",\n ";
   const ordered_json host{{"version", script.hostVersion}, {"lacks", script.hostLacks}};
   text += "\"host\": " + textOf(host) + ",\n \"steps\": [";
   for (std::size_t index = 0; index < script.steps.size(); ++index) {

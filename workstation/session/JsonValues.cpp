@@ -1,9 +1,9 @@
-#include "cli/JsonValues.h"
+#include "workstation/session/JsonValues.h"
 
 #include <cmath>
 #include <cstdint>
 
-namespace cli {
+namespace workstation {
 
 using pelmar::Value;
 
@@ -48,4 +48,4 @@ Value valueFromJson(const nlohmann::ordered_json& json) {
   return {};
 }
 
-}  // namespace cli
+}  // namespace workstation

@@ -1,8 +1,8 @@
-#include "cli/JsonValues.h"
+#include "workstation/session/JsonValues.h"
 
 #include <gtest/gtest.h>
 
-namespace cli::test {
+namespace workstation::test {
 namespace {
 
 using nlohmann::ordered_json;
@@ -33,4 +33,4 @@ TEST(JsonValues, TheLargestIntegerDoesNotChangeItsSign) {
 }
 
 }  // namespace
-}  // namespace cli::test
+}  // namespace workstation::test
