@@ -1,6 +1,8 @@
 #include "workstation/model/Drawing.h"
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "workstation/model/Host.h"
 #include "workstation/model/View.h"
@@ -15,11 +17,40 @@ using pelmar::ROI;
 
 /// How near the pointer must be to a vertex to take hold of it, in points of the view.
 constexpr double reachPoints = 8;
+/// How near it must be to an annotation's line.
+constexpr double lineReachPoints = 6;
 
 /// The annotation if it still stands somewhere.
 std::shared_ptr<Roi> living(const std::weak_ptr<Roi>& roi) {
   std::shared_ptr<Roi> object = roi.lock();
   return object && object->standsInAnyList() ? object : nullptr;
+}
+
+std::vector<PixelPoint> pixelsOfVertices(const Roi& roi) {
+  std::vector<PixelPoint> pixels;
+  const auto points = roi.points();
+  for (std::size_t index = 0; index < points->count(); ++index) pixels.push_back(points->objectAtIndex(index).point());
+  return pixels;
+}
+
+double distanceToSegment(pelmar::ViewPoint at, pelmar::ViewPoint a, pelmar::ViewPoint b) {
+  const double alongX = b.x - a.x;
+  const double alongY = b.y - a.y;
+  const double squared = alongX * alongX + alongY * alongY;
+  const double share =
+      squared > 0 ? std::clamp(((at.x - a.x) * alongX + (at.y - a.y) * alongY) / squared, 0.0, 1.0) : 0.0;
+  return std::hypot(a.x + share * alongX - at.x, a.y + share * alongY - at.y);
+}
+
+/// The line of an annotation as it is seen: its vertices, or a polygon's spline.
+std::vector<PixelPoint> lineOf(const Roi& roi) {
+  std::vector<PixelPoint> line = pixelsOfVertices(roi);
+  if (roi.type() != pelmar::ROITypeOpenPolygon) return line;
+  const auto spline = roi.splinePoints();
+  if (!spline || spline->empty()) return line;
+  line.clear();
+  for (const MyPoint& point : *spline) line.push_back(point.point());
+  return line;
 }
 
 }  // namespace
@@ -31,12 +62,16 @@ void Drawing::press(PixelPoint at) {
       pressVertex(grip.roi, grip.vertex, at);
       return;
     }
+    if (!view_.drawsWithLeftButton()) {
+      if (const auto roi = annotationWithinReach(at)) return pressWhole(roi, at);
+    }
   }
   pressToDraw(at);
 }
 
 std::shared_ptr<Roi> Drawing::pressToDraw(PixelPoint at) {
   pointer_ = at;
+  grabbedShape_.clear();
   if (const auto polygon = drawn()) {
     // A press while a line is being drawn is a release that was lost on its way.
     if (polygon->type() == pelmar::ROITypeOpenPolygon) addVertex(polygon, at);
@@ -69,10 +104,28 @@ void Drawing::pressVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, P
   pointer_ = at;
   grabbedAt_ = roi->pointAtIndex(static_cast<long>(vertex));
   grabOffset_ = {grabbedAt_.x - at.x, grabbedAt_.y - at.y};
+  grabbedShape_.clear();
   vertex_ = vertex;
   dragged_ = roi;
   pressed_ = roi;
   roi->setROIMode(pelmar::ROIModeEditing);
+}
+
+void Drawing::pressWhole(const std::shared_ptr<Roi>& roi, PixelPoint at) {
+  pointer_ = at;
+  deselectOthers(roi.get());
+  roi->setROIMode(pelmar::ROIModeSelected);
+  grabbedShape_ = pixelsOfVertices(*roi);
+  grabOffset_ = {-at.x, -at.y};
+  pressed_ = roi;
+}
+
+void Drawing::drag(const std::shared_ptr<Roi>& roi, PixelPoint at) {
+  const PixelPoint to{at.x + grabOffset_.x, at.y + grabOffset_.y};
+  if (grabbedShape_.empty()) return setVertex(roi, vertex_, to);
+  std::vector<MyPoint> points;
+  for (const PixelPoint& was : grabbedShape_) points.push_back(MyPoint::point({was.x + to.x, was.y + to.y}));
+  roi->setPoints(points);
 }
 
 void Drawing::setVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, PixelPoint at) {
@@ -85,8 +138,13 @@ void Drawing::move(PixelPoint at) {
   pointer_ = at;
   const auto pressed = living(pressed_);
   if (!pressed) return;
+  if (!grabbedShape_.empty() && !living(dragged_)) {
+    // Held as a whole: the first move makes a drag of what was a click.
+    dragged_ = pressed;
+    pressed->setROIMode(pelmar::ROIModeEditing);
+  }
   if (living(dragged_)) {
-    setVertex(pressed, vertex_, {at.x + grabOffset_.x, at.y + grabOffset_.y});
+    drag(pressed, at);
     postChanged(pressed, false);
   } else if (drawn() == pressed && pressed->type() == pelmar::ROITypeLength) {
     setVertex(pressed, 1, at);
@@ -98,9 +156,10 @@ void Drawing::release(PixelPoint at) {
   pointer_ = at;
   const auto pressed = living(pressed_);
   pressed_.reset();
-  if (!pressed) return;
+  const bool clicked = !grabbedShape_.empty() && !living(dragged_);
+  if (!pressed || clicked) return grabbedShape_.clear();
   if (living(dragged_)) {
-    setVertex(pressed, vertex_, {at.x + grabOffset_.x, at.y + grabOffset_.y});
+    drag(pressed, at);
     endDrag(pressed);
   } else if (drawn() == pressed && pressed->type() == pelmar::ROITypeLength) {
     setVertex(pressed, 1, at);
@@ -122,6 +181,7 @@ void Drawing::stop() {
   if (const auto roi = living(dragged_)) endDrag(roi);
   drawn_.reset();
   dragged_.reset();
+  grabbedShape_.clear();
 }
 
 void Drawing::endDrawing(const std::shared_ptr<Roi>& roi) {
@@ -133,11 +193,22 @@ void Drawing::endDrawing(const std::shared_ptr<Roi>& roi) {
 void Drawing::endDrag(const std::shared_ptr<Roi>& roi) {
   roi->setROIMode(pelmar::ROIModeSelected);
   dragged_.reset();
+  if (!grabbedShape_.empty()) {
+    view_.host().undo().shapeMoved(view_, roi, std::exchange(grabbedShape_, {}), pixelsOfVertices(*roi));
+    return;
+  }
   view_.host().undo().vertexMoved(view_, roi, vertex_, grabbedAt_, roi->pointAtIndex(static_cast<long>(vertex_)));
 }
 
 void Drawing::changeVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, PixelPoint to) {
   setVertex(roi, vertex, to);
+  postChanged(roi, true);
+}
+
+void Drawing::changeShape(const std::shared_ptr<Roi>& roi, const std::vector<PixelPoint>& to) {
+  std::vector<MyPoint> points;
+  for (const PixelPoint& point : to) points.push_back(MyPoint::point(point));
+  roi->setPoints(points);
   postChanged(roi, true);
 }
 
@@ -155,6 +226,36 @@ void Drawing::forget() {
 std::shared_ptr<Roi> Drawing::drawn() const {
   auto roi = living(drawn_);
   return roi && roi->ROImode() == pelmar::ROIModeDrawing ? roi : nullptr;
+}
+
+bool Drawing::holds() const { return living(pressed_) != nullptr; }
+
+bool Drawing::wouldHold(PixelPoint at) const {
+  if (drawn()) return false;
+  return vertexWithinReach(at).roi || (!view_.drawsWithLeftButton() && annotationWithinReach(at));
+}
+
+std::shared_ptr<Roi> Drawing::annotationWithinReach(PixelPoint at) const {
+  const pelmar::ViewPoint pointer = view_.ConvertFromGL2NSView(at);
+  const auto& entries = view_.lists().list(static_cast<std::size_t>(view_.curImage())).entries();
+  for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+    const auto roi = std::static_pointer_cast<Roi>(entry->shared());
+    if (!roi->selectable() || roi->type() == pelmar::ROITypeText) continue;
+    const std::vector<PixelPoint> line = lineOf(*roi);
+    for (std::size_t index = 0; index < line.size(); ++index) {
+      const pelmar::ViewPoint a = view_.ConvertFromGL2NSView(line[index > 0 ? index - 1 : 0]);
+      if (distanceToSegment(pointer, a, view_.ConvertFromGL2NSView(line[index])) <= lineReachPoints) return roi;
+    }
+  }
+  return nullptr;
+}
+
+void Drawing::deselectOthers(const Roi* but) {
+  for (const Ref<ROI>& entry : view_.lists().list(static_cast<std::size_t>(view_.curImage())).entries()) {
+    if (entry.get() != but && entry->ROImode() == pelmar::ROIModeSelected) {
+      entry.shared()->setROIMode(pelmar::ROIModeFinished);
+    }
+  }
 }
 
 Drawing::Grip Drawing::vertexWithinReach(PixelPoint at) const {

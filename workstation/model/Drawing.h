@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "host/Geometry.h"
 
@@ -19,13 +20,15 @@ class Drawing {
   explicit Drawing(View& view) : view_(view) {}
 
   /// Goes on with a polygon, or drags a vertex of a selected annotation within reach, or begins an annotation when
-  /// the left button draws.
+  /// the left button draws; when it does not, selects an annotation within reach and drags it as a whole.
   void press(pelmar::PixelPoint at);
   /// The same without a look for vertices. Answers what was begun or gone on with, which may be gone by then; null
   /// when the left button does not draw.
   std::shared_ptr<Roi> pressToDraw(pelmar::PixelPoint at);
   /// Takes hold of a vertex.
   void pressVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, pelmar::PixelPoint at);
+  /// Selects an annotation, as the only one of the slice, and takes hold of it.
+  void pressWhole(const std::shared_ptr<Roi>& roi, pelmar::PixelPoint at);
   void move(pelmar::PixelPoint at);
   void release(pelmar::PixelPoint at);
   /// Ends the polygon that is being drawn, as a double click and Return do.
@@ -36,6 +39,8 @@ class Drawing {
   void endForTool();
   /// Puts a vertex of an annotation elsewhere and posts the change with "mouseUp", as at the end of a drag.
   void changeVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, pelmar::PixelPoint to);
+  /// Puts all vertices of an annotation elsewhere and posts the change with "mouseUp".
+  void changeShape(const std::shared_ptr<Roi>& roi, const std::vector<pelmar::PixelPoint>& to);
   /// Posts that an annotation was added.
   void postAdded(const std::shared_ptr<Roi>& roi);
   /// Forgets everything; the view shows something else or goes.
@@ -43,6 +48,15 @@ class Drawing {
 
   /// What is being drawn; null when nothing is.
   std::shared_ptr<Roi> drawn() const;
+  /// Whether a press there would take hold of an annotation.
+  bool wouldHold(pelmar::PixelPoint at) const;
+  /// Whether the button that is pressed draws or holds an annotation.
+  bool holds() const;
+  /// The selectable annotation of the shown slice whose line passes the pixel within reach, the uppermost one; null
+  /// when there is none. Texts are passed over: their place is not the person's to choose.
+  std::shared_ptr<Roi> annotationWithinReach(pelmar::PixelPoint at) const;
+  /// Ends the selection of every annotation of the shown slice but this one; null: of all.
+  void deselectOthers(const Roi* but);
   /// Where the pointer was last.
   pelmar::PixelPoint pointer() const { return pointer_; }
 
@@ -56,17 +70,19 @@ class Drawing {
   std::shared_ptr<Roi> begin(pelmar::PixelPoint at, long type);
   void addVertex(const std::shared_ptr<Roi>& roi, pelmar::PixelPoint at);
   void setVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, pelmar::PixelPoint at);
+  void drag(const std::shared_ptr<Roi>& roi, pelmar::PixelPoint at);
   void endDrag(const std::shared_ptr<Roi>& roi);
   void endDrawing(const std::shared_ptr<Roi>& roi);
   void postChanged(const std::shared_ptr<Roi>& roi, bool mouseUp);
 
   View& view_;
-  std::weak_ptr<Roi> drawn_;       ///< in mode 1
-  std::weak_ptr<Roi> dragged_;     ///< in mode 3
-  std::weak_ptr<Roi> pressed_;     ///< what the button was pressed for; its release is told even if drawing has ended
-  std::size_t vertex_ = 0;         ///< of the dragged one
-  pelmar::PixelPoint grabbedAt_;   ///< where the dragged vertex was
-  pelmar::PixelPoint grabOffset_;  ///< from the pointer to the dragged vertex
+  std::weak_ptr<Roi> drawn_;      ///< in mode 1
+  std::weak_ptr<Roi> dragged_;    ///< in mode 3
+  std::weak_ptr<Roi> pressed_;    ///< what the button was pressed for; its release is told even if drawing has ended
+  std::size_t vertex_ = 0;        ///< of the dragged one
+  pelmar::PixelPoint grabbedAt_;  ///< where the dragged vertex was
+  std::vector<pelmar::PixelPoint> grabbedShape_;  ///< where all vertices were, when the whole is held; else empty
+  pelmar::PixelPoint grabOffset_;  ///< from the pointer to the dragged vertex; of a whole, to where it was grabbed
   pelmar::PixelPoint pointer_;
 };
 

@@ -20,9 +20,18 @@ bool standsOn(const View& view, const Roi& roi) {
                      [&](const Roi::Membership& membership) { return membership.lists == &view.lists(); });
 }
 
+bool hasShape(const Roi& roi, const std::vector<PixelPoint>& shape) {
+  const auto points = roi.points();
+  if (points->count() != shape.size()) return false;
+  for (std::size_t index = 0; index < shape.size(); ++index) {
+    if (!(points->objectAtIndex(index).point() == shape[index])) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
-void Undo::add(View& view, std::variant<VertexMove, Presence> what) {
+void Undo::add(View& view, std::variant<VertexMove, ShapeMove, Presence> what) {
   undone_.clear();
   done_.push_back({view.weak_from_this(), std::move(what)});
 }
@@ -31,6 +40,12 @@ void Undo::vertexMoved(View& view, const std::shared_ptr<Roi>& roi, std::size_t 
                        PixelPoint to) {
   if (from == to) return;
   add(view, VertexMove{roi, vertex, from, to});
+}
+
+void Undo::shapeMoved(View& view, const std::shared_ptr<Roi>& roi, std::vector<PixelPoint> from,
+                      std::vector<PixelPoint> to) {
+  if (from == to) return;
+  add(view, ShapeMove{roi, std::move(from), std::move(to)});
 }
 
 void Undo::drawn(View& view, const std::shared_ptr<Roi>& roi) { add(view, Presence{roi, nullptr, {}, false}); }
@@ -63,6 +78,10 @@ bool Undo::holds(const Edit& edit, Direction direction) {
     return roi->pointAtIndex(static_cast<long>(moved->vertex)) ==
            (direction == Direction::back ? moved->to : moved->from);
   }
+  if (const auto* shape = std::get_if<ShapeMove>(&edit.what)) {
+    const auto roi = shape->roi.lock();
+    return roi && standsOn(*view, *roi) && hasShape(*roi, direction == Direction::back ? shape->to : shape->from);
+  }
   const auto& presence = std::get<Presence>(edit.what);
   const auto roi = presence.roi.lock();
   const bool mustStand = presence.deleted == (direction == Direction::again);
@@ -84,6 +103,8 @@ bool Undo::step(Edits& from, Edits& onto, Direction direction) {
   auto& what = onto.back().what;
   if (const auto* moved = std::get_if<VertexMove>(&what)) {
     move(*view, VertexMove(*moved), direction);
+  } else if (const auto* shape = std::get_if<ShapeMove>(&what)) {
+    move(*view, ShapeMove(*shape), direction);
   } else if (auto& presence = std::get<Presence>(what); presence.deleted == (direction == Direction::again)) {
     takeOut(*view, presence);
   } else {
@@ -96,6 +117,12 @@ void Undo::move(View& view, const VertexMove& moved, Direction direction) {
   const auto roi = moved.roi.lock();
   roi->setROIMode(pelmar::ROIModeSelected);
   view.drawing().changeVertex(roi, moved.vertex, direction == Direction::back ? moved.from : moved.to);
+}
+
+void Undo::move(View& view, const ShapeMove& moved, Direction direction) {
+  const auto roi = moved.roi.lock();
+  roi->setROIMode(pelmar::ROIModeSelected);
+  view.drawing().changeShape(roi, direction == Direction::back ? moved.from : moved.to);
 }
 
 void Undo::takeOut(View& view, Presence& presence) {

@@ -14,9 +14,9 @@ class SeriesRoiLists;
 class View;
 class Viewer;
 
-/// What a person did to annotations and can take back: moves of vertices, whoever made the annotation, and drawing and
-/// deleting annotations of their own. The plug-in hears of taking back and doing again as of an edit by hand: of the
-/// change with its "mouseUp", the addition or the removal.
+/// What a person did to annotations and can take back: moves of vertices and of whole annotations, whoever made the
+/// annotation, and drawing and deleting annotations of their own. The plug-in hears of taking back and doing again as
+/// of an edit by hand: of the change with its "mouseUp", the addition or the removal.
 ///
 /// What has become of an annotation since may make an edit meaningless: the plug-in took it away, or put its vertices
 /// elsewhere. Such edits are passed over. A fresh edit ends what could be done again. The edits of a viewer are
@@ -27,6 +27,9 @@ class Undo {
 
   void vertexMoved(View& view, const std::shared_ptr<Roi>& roi, std::size_t vertex, pelmar::PixelPoint from,
                    pelmar::PixelPoint to);
+  /// All vertices were moved together.
+  void shapeMoved(View& view, const std::shared_ptr<Roi>& roi, std::vector<pelmar::PixelPoint> from,
+                  std::vector<pelmar::PixelPoint> to);
   /// The drawing of the annotation has ended.
   void drawn(View& view, const std::shared_ptr<Roi>& roi);
   /// The annotation is about to be deleted by the person.
@@ -50,6 +53,11 @@ class Undo {
     pelmar::PixelPoint from;
     pelmar::PixelPoint to;
   };
+  struct ShapeMove {
+    std::weak_ptr<Roi> roi;
+    std::vector<pelmar::PixelPoint> from;
+    std::vector<pelmar::PixelPoint> to;
+  };
   /// Where an annotation stood: in the list of a slice, before so many others.
   struct Place {
     std::size_t slice = 0;
@@ -64,15 +72,16 @@ class Undo {
   };
   struct Edit {
     std::weak_ptr<View> view;
-    std::variant<VertexMove, Presence> what;
+    std::variant<VertexMove, ShapeMove, Presence> what;
   };
   using Edits = std::vector<Edit>;
 
-  void add(View& view, std::variant<VertexMove, Presence> what);
+  void add(View& view, std::variant<VertexMove, ShapeMove, Presence> what);
   static bool holds(const Edit& edit, Direction direction);
   static Edits::const_reverse_iterator lastThatHolds(const Edits& edits, Direction direction);
   static bool step(Edits& from, Edits& onto, Direction direction);
   static void move(View& view, const VertexMove& moved, Direction direction);
+  static void move(View& view, const ShapeMove& moved, Direction direction);
   static void takeOut(View& view, Presence& presence);
   static void putBack(View& view, Presence& presence);
   static std::vector<Place> placesOf(const View& view, const std::shared_ptr<Roi>& roi);

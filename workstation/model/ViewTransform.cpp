@@ -54,7 +54,11 @@ ViewTransform::Direction ViewTransform::displayedDown() const {
 
 double ViewTransform::scaleToFit() const {
   if (!(columns > 0) || !(rows > 0) || !(viewWidth > 0) || !(viewHeight > 0)) return 1;
-  return std::min(viewWidth / columns, viewHeight / (rows * pixelAspect));
+  const Rotation rotation = rotationOf(rotationDegrees);
+  const double cosine = std::abs(rotation.cosine);
+  const double sine = std::abs(rotation.sine);
+  const double height = rows * pixelAspect;
+  return std::min(viewWidth / (columns * cosine + height * sine), viewHeight / (columns * sine + height * cosine));
 }
 
 }  // namespace workstation

@@ -33,7 +33,7 @@ struct ViewTransform {
   Direction displayedRight() const;
   Direction displayedDown() const;
 
-  /// The largest scale at which the whole image is seen, unturned.
+  /// The largest scale at which the whole image is seen, as far as it is turned.
   double scaleToFit() const;
 };
 

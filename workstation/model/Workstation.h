@@ -179,6 +179,8 @@ class Workstation {
   Outcome zoom(int viewer, double scale);
   /// Moves the image by so many points (x to the right, y up); posts the origin-changed notification.
   Outcome pan(int viewer, double dx, double dy);
+  /// Zooms so that the whole image is seen, and centres it; posts both changes.
+  Outcome fit(int viewer);
   /// Turns the image clockwise by so many degrees.
   Outcome rotate(int viewer, double degrees);
   /// Mirrors the image left to right (horizontal) or top to bottom (vertical) as it is stored, before rotation.
@@ -196,13 +198,23 @@ class Workstation {
   Outcome selectRoiTool(int viewer, long tag);
 
   /// The left button, with the pointer at a pixel of the shown slice, which need not be whole nor inside the image.
-  /// A press draws, drags the vertex of a selected annotation (within 8 points), or does nothing.
+  /// A press draws, drags the vertex of a selected annotation (within 8 points), or, when the left button does not
+  /// draw, selects a selectable annotation whose line passes within 6 points, as the only one of the slice, and moves
+  /// it as a whole; or does nothing.
   Outcome press(int viewer, pelmar::PixelPoint at);
   Outcome move(int viewer, pelmar::PixelPoint at);
   Outcome release(int viewer, pelmar::PixelPoint at);
   /// The second press of a double click; its first press and release come as such before.
   Outcome doubleClick(int viewer, pelmar::PixelPoint at);
   Outcome key(int viewer, Key key);
+  /// Whether the left button, as it is pressed now, draws or holds an annotation.
+  bool holdsAnnotation(int viewer) const;
+  /// Whether something is being drawn in the viewer, between its first press and its end.
+  bool isDrawing(int viewer) const;
+  /// Whether a press there would take hold of an annotation instead of drawing or doing nothing.
+  bool wouldHold(int viewer, pelmar::ViewPoint at) const;
+  /// No annotation of the shown slice is selected any more, but for one that is being drawn or dragged.
+  Outcome deselect(int viewer);
   /// The same in points of the image view.
   Outcome press(int viewer, pelmar::ViewPoint at);
   Outcome move(int viewer, pelmar::ViewPoint at);
@@ -226,10 +238,10 @@ class Workstation {
   Outcome dragVertex(int viewer, int annotation, int vertex, pelmar::PixelPoint to, int moves = 4);
   /// Deletes an annotation of the viewer as a person does; its removal is posted.
   Outcome deleteAnnotation(int viewer, int annotation);
-  /// Takes the person's last edit back, in whichever viewer it was: the move of a vertex, or the drawing or deletion of
-  /// an annotation of their own. The plug-in hears of it as of an edit. Edits that have lost their meaning, because the
-  /// plug-in took the annotation or its vertices elsewhere, are passed over; those of a viewer go when it closes or
-  /// shows another series.
+  /// Takes the person's last edit back, in whichever viewer it was: the move of a vertex or of a whole annotation, or
+  /// the drawing or deletion of an annotation of their own. The plug-in hears of it as of an edit. Edits that have lost
+  /// their meaning, because the plug-in took the annotation or its vertices elsewhere, are passed over; those of a
+  /// viewer go when it closes or shows another series.
   Outcome undo();
   /// Does again what was taken back last; a fresh edit ends that.
   Outcome redo();

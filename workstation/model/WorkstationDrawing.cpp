@@ -100,6 +100,29 @@ Outcome Workstation::key(int viewer, Key key) {
   });
 }
 
+bool Workstation::holdsAnnotation(int viewer) const {
+  const auto shown = interior_->find(viewer);
+  return shown && shown->view().drawing().holds();
+}
+
+bool Workstation::isDrawing(int viewer) const {
+  const auto shown = interior_->find(viewer);
+  return shown && shown->view().drawing().drawn();
+}
+
+bool Workstation::wouldHold(int viewer, pelmar::ViewPoint at) const {
+  const auto shown = interior_->find(viewer);
+  return shown && shown->view().drawing().wouldHold(shown->view().ConvertFromNSView2GL(at));
+}
+
+Outcome Workstation::deselect(int viewer) {
+  return interior_->withViewer(viewer, [&](Viewer& shown) {
+    shown.view().drawing().deselectOthers(nullptr);
+    shown.needsDisplayUpdate();
+    return Outcome::done();
+  });
+}
+
 Outcome Workstation::press(int viewer, pelmar::ViewPoint at) { return press(viewer, pixelAt(viewer, at)); }
 
 Outcome Workstation::move(int viewer, pelmar::ViewPoint at) { return move(viewer, pixelAt(viewer, at)); }

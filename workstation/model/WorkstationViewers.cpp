@@ -167,6 +167,18 @@ Outcome Workstation::pan(int viewer, double dx, double dy) {
   });
 }
 
+Outcome Workstation::fit(int viewer) {
+  return interior_->withViewer(viewer, [&](Viewer& shown) {
+    ViewTransform& transform = shown.view().transform();
+    transform.scale = transform.scaleToFit();
+    transform.origin = {};
+    shown.needsDisplayUpdate();
+    shown.view().post(pelmar::PelmarViewScaleChanged);
+    shown.view().post(pelmar::PelmarViewOriginChanged);
+    return Outcome::done();
+  });
+}
+
 Outcome Workstation::rotate(int viewer, double degrees) {
   return interior_->withViewer(viewer, [&](Viewer& shown) -> Outcome {
     if (!std::isfinite(degrees)) {

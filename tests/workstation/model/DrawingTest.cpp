@@ -187,7 +187,7 @@ TEST_F(DrawingByHand, APressWithinReachOfAVertexOfASelectedAnnotationDragsItWhat
   EXPECT_EQ(only()->ROImode(), 2);
 }
 
-TEST_F(DrawingByHand, OutOfReachOrNotSelectedNothingIsDragged) {
+TEST_F(DrawingByHand, OutOfReachNoVertexIsDraggedAndOfWhatIsNotSelectedTheWholeIs) {
   ASSERT_TRUE(workstation.drawLine(viewer, 0, {10, 10}, {10, 60}));
   ASSERT_TRUE(workstation.zoom(viewer, 4));
   ASSERT_TRUE(workstation.selectMouseTool(viewer, MouseToolWindowLevel));
@@ -196,7 +196,9 @@ TEST_F(DrawingByHand, OutOfReachOrNotSelectedNothingIsDragged) {
   release(10, 62.1);
   only()->setROIMode(0);
   press(10, 60);
-  EXPECT_EQ(only()->ROImode(), 0);
+  move(15, 60);
+  EXPECT_EQ(only()->pointAtIndex(0), (PixelPoint{15, 10}));
+  EXPECT_EQ(only()->pointAtIndex(1), (PixelPoint{15, 60}));
 }
 
 TEST_F(DrawingByHand, APressGoesToThePolygonThatIsBeingDrawnAlsoWhereAVertexIsWithinReach) {
