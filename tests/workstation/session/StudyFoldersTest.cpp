@@ -1,0 +1,90 @@
+#include "workstation/session/StudyFolders.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+
+#include "phantom/Phantom.h"
+
+namespace workstation::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class AtHand : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    std::string pattern = testing::TempDir() + "folders-XXXXXX";
+    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+    root() = pattern;
+    for (const std::uint64_t seed : {1, 2}) {
+      phantom::PhantomOptions options;
+      options.outDir = root() / ("study" + std::to_string(seed));
+      options.imageSize = 16;
+      options.seed = seed;
+      const auto written = phantom::writePhantom(options);
+      ASSERT_TRUE(written.written) << written.problem;
+      uids().push_back(written.studyInstanceUid);
+    }
+    fs::copy(root() / "study1", root() / "copy1", fs::copy_options::recursive);
+  }
+  static void TearDownTestSuite() { fs::remove_all(root()); }
+  static fs::path& root() {
+    static fs::path path;
+    return path;
+  }
+  static std::vector<std::string>& uids() {
+    static std::vector<std::string> all;
+    return all;
+  }
+  void add(const std::string& name) {
+    auto opened = StudyDatabase::openFolder(root() / name);
+    ASSERT_TRUE(opened) << opened.problem;
+    folders.add(std::move(*opened), root() / name);
+  }
+
+  StudyFolders folders;
+};
+
+TEST_F(AtHand, NothingIsAtHandAtFirst) {
+  EXPECT_TRUE(folders.studies().empty());
+  EXPECT_TRUE(folders.images(uids().front()).empty());
+  EXPECT_FALSE(folders.holds(root() / "study1"));
+}
+
+TEST_F(AtHand, StudiesOfSeveralFoldersAreOneList) {
+  add("study1");
+  add("study2");
+  EXPECT_EQ(folders.studies().size(), 2U);
+  EXPECT_EQ(folders.studiesIn(root() / "study2"), std::vector<std::string>{uids()[1]});
+  for (const auto& image : folders.images(uids()[1]))
+    EXPECT_EQ(image.file.string().rfind((root() / "study2").string(), 0), 0U);
+  EXPECT_FALSE(folders.images(uids()[0]).empty());
+}
+
+TEST_F(AtHand, AStudyThatLiesTwiceIsListedOnceAndBelongsToTheFirst) {
+  add("study1");
+  add("copy1");
+  EXPECT_EQ(folders.studies().size(), 1U);
+  for (const auto& image : folders.images(uids()[0]))
+    EXPECT_EQ(image.file.string().rfind((root() / "study1").string(), 0), 0U);
+}
+
+TEST_F(AtHand, AFolderIsKnownUnderEachOfItsNames) {
+  add("study1");
+  EXPECT_TRUE(folders.holds(root() / "study1"));
+  EXPECT_TRUE(folders.holds(root() / "study2" / ".." / "study1"));
+  EXPECT_FALSE(folders.holds(root()));
+}
+
+TEST_F(AtHand, TheSearchLooksInAll) {
+  add("study1");
+  add("study2");
+  EXPECT_EQ(folders.studies("no such word").size(), 0U);
+  const auto entry = folders.studies().front();
+  EXPECT_GE(folders.studies(entry.patientId).size(), 1U);
+}
+
+}  // namespace
+}  // namespace workstation::test

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "workstation/database/ReportShelves.h"
+#include "workstation/database/StudyDatabase.h"
+
+namespace workstation {
+
+/// The studies that are at hand: those of a database, and those of folders that were opened in place.
+class StudyFolders {
+ public:
+  /// One more database or folder. A study that lies in several belongs to the one that was added first.
+  void add(std::unique_ptr<StudyDatabase> database, const std::filesystem::path& place);
+  /// Whether something was added from this place, also under another name of it.
+  bool holds(const std::filesystem::path& place) const;
+
+  /// The studies that hold every word of `search`; see StudyDatabase::studies. Each once, the newest first.
+  std::vector<StudyEntry> studies(std::string_view search = {});
+  /// The study UIDs of what was added from this place.
+  std::vector<std::string> studiesIn(const std::filesystem::path& place);
+  /// The slices of a study; empty when it is nowhere.
+  std::vector<ImageRecord> images(const std::string& studyUid);
+  /// Whole sentences about indexes that could not be used, since the last call.
+  std::vector<std::string> takeNotices();
+  /// Looks for files that came or went.
+  void refresh();
+
+  ReportShelf& shelf() { return shelves_; }
+
+ private:
+  struct Folder {
+    std::filesystem::path place;
+    std::unique_ptr<StudyDatabase> database;
+    std::size_t noticesTaken = 0;
+  };
+
+  std::vector<Folder> folders_;
+  ReportShelves shelves_;
+};
+
+}  // namespace workstation
