@@ -1,0 +1,145 @@
+// Finding, opening and importing studies.
+#include "workstation/gui/BrowserPanel.h"
+
+#include <fstream>
+
+#include "WindowFixture.h"
+#include "workstation/gui/Thumbnail.h"
+
+namespace workstation::test {
+namespace {
+
+class Browser : public WindowTest {
+ protected:
+  std::vector<QTreeWidgetItem*> items() {
+    std::vector<QTreeWidgetItem*> all;
+    for (QTreeWidgetItemIterator item(&window_->browser().tree()); *item; ++item) all.push_back(*item);
+    return all;
+  }
+  /// Patients and studies are the first two levels.
+  QTreeWidgetItem* studyItem() { return window_->browser().tree().topLevelItem(0)->child(0); }
+  std::size_t filesIn(const std::filesystem::path& folder) {
+    std::size_t count = 0;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, error))
+      count += entry.is_regular_file();
+    return count;
+  }
+};
+
+TEST_F(Browser, ListsThePatientTheStudyAndItsSeriesWithPictures) {
+  openStudy();
+  ASSERT_EQ(window_->browser().tree().topLevelItemCount(), 1);
+  const auto entry = desk_->folders().studies().front();
+  const QString text = studyItem()->text(0);
+  EXPECT_TRUE(text.contains(QString::number(entry.series) + " series")) << text.toStdString();
+  EXPECT_TRUE(text.contains(QString::number(entry.slices) + " slices")) << text.toStdString();
+  studyItem()->setExpanded(true);
+  settle();
+  const auto stacks = workstation().stacks(entry.studyUid);
+  ASSERT_EQ(studyItem()->childCount(), static_cast<int>(stacks.size()));
+  for (int round = 0; round < 100 && studyItem()->child(studyItem()->childCount() - 1)->icon(0).isNull(); ++round)
+    settle();
+  for (int index = 0; index < studyItem()->childCount(); ++index) {
+    EXPECT_FALSE(studyItem()->child(index)->icon(0).isNull());
+    const auto slices = workstation().stack(stacks[static_cast<std::size_t>(index)])->slices.size();
+    EXPECT_TRUE(studyItem()->child(index)->text(0).contains(QString("(%1 slices)").arg(slices)));
+  }
+}
+
+TEST_F(Browser, APictureShowsTheSliceInItsProportions) {
+  openStudy();
+  const auto& record = *workstation().sliceRecord(sagittalViewer(), 7);
+  PixelReader reader;
+  const QImage picture = thumbnailOf(record, reader, 56);
+  EXPECT_EQ(picture.size(), QSize(56, 56));
+  int bright = 0;
+  for (int y = 0; y < 56; ++y) {
+    for (int x = 0; x < 56; ++x) bright += qGray(picture.pixel(x, y)) > 100;
+  }
+  EXPECT_GT(bright, 100);
+  ImageRecord gone = record;
+  gone.file = "/nowhere";
+  EXPECT_GT(qGray(thumbnailOf(gone, reader, 56).pixel(1, 1)), 0) << "a grey square";
+}
+
+TEST_F(Browser, TheSearchLeavesTheStudiesThatMatch) {
+  openStudy();
+  const auto entry = desk_->folders().studies().front();
+  window_->browser().search().setText(QString::fromStdString(entry.patientId));
+  EXPECT_EQ(window_->browser().tree().topLevelItemCount(), 1);
+  window_->browser().search().setText("no such patient");
+  EXPECT_EQ(window_->browser().tree().topLevelItemCount(), 0);
+  window_->browser().search().clear();
+  EXPECT_EQ(window_->browser().tree().topLevelItemCount(), 1);
+}
+
+TEST_F(Browser, ActivatingAStudyOpensItAndASeriesShowsItInTheFrontViewer) {
+  openStudy();
+  const auto opened = workstation().viewers().size();
+  studyItem()->setExpanded(true);
+  settle();
+  auto* series = studyItem()->child(studyItem()->childCount() - 1);
+  emit window_->browser().tree().itemActivated(series, 0);
+  settle();
+  const int front = *workstation().frontViewer();
+  EXPECT_EQ(workstation().viewer(front)->stack,
+            workstation().stacks(workstation().viewer(front)->stack.studyUid).back());
+  EXPECT_EQ(workstation().viewers().size(), opened);
+  emit window_->browser().tree().itemActivated(studyItem(), 0);
+  settle();
+  EXPECT_EQ(workstation().viewers().size(), opened) << "it is opened anew";
+}
+
+TEST_F(Browser, AStudyIsMarkedOnceItHoldsALabelling) {
+  openStudy();
+  EXPECT_FALSE(studyItem()->text(0).contains("Labelled"));
+  chooseLabels();
+  drag(sagittalViewer(), spineTop, spineEnd);
+  window_->palette().button("stopWorkFlow:")->click();
+  settle();
+  EXPECT_TRUE(studyItem()->text(0).contains("Labelled"));
+}
+
+TEST_F(Browser, ImportCopiesIntoTheDatabaseAndListsTheStudy) {
+  prompts_.folder = QString::fromStdString(study().string());
+  window_->importPaths({study()});
+  EXPECT_TRUE(window_->isBusy()) << "the window goes on meanwhile";
+  waitForTask();
+  EXPECT_EQ(messages(), "");
+  ASSERT_EQ(window_->browser().tree().topLevelItemCount(), 1);
+  std::filesystem::remove_all(study());
+  emit window_->browser().tree().itemActivated(studyItem(), 0);
+  settle();
+  EXPECT_FALSE(workstation().viewers().empty()) << "from the copy";
+}
+
+TEST_F(Browser, AnImportThatIsCancelledLeavesTheDatabaseAsItWas) {
+  window_->importPaths({study()});
+  window_->browser().cancelButton().click();
+  waitForTask();
+  EXPECT_EQ(window_->browser().tree().topLevelItemCount(), 0);
+  std::size_t images = 0;
+  std::error_code error;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(database(), error))
+    images += entry.path().extension() == ".dcm";
+  EXPECT_EQ(images, 0U);
+}
+
+TEST_F(Browser, WhatCannotBeImportedIsNamed) {
+  std::ofstream(folder_ / "note.txt") << "not DICOM";
+  window_->importPaths({folder_ / "note.txt"});
+  waitForTask();
+  EXPECT_NE(messages().find("no DICOM object"), std::string::npos) << messages();
+}
+
+TEST_F(Browser, ClosingTheWindowDuringAnImportCancelsIt) {
+  window_->importPaths({study()});
+  window_->close();
+  window_.reset();
+  SUCCEED() << "no crash and no hang";
+  EXPECT_TRUE(workstation().viewers().empty());
+}
+
+}  // namespace
+}  // namespace workstation::test

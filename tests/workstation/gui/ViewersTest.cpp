@@ -1,0 +1,224 @@
+// Looking at images in the window.
+#include "WindowFixture.h"
+
+namespace workstation::test {
+namespace {
+
+class Viewers : public WindowTest {
+ protected:
+  void click(const QString& menuText) {
+    for (QAction* action : window_->findChildren<QAction*>()) {
+      if (action->text() == menuText) action->trigger();
+    }
+    settle();
+  }
+  ViewerInfo info(int viewer) { return *workstation().viewer(viewer); }
+};
+
+TEST_F(Viewers, AStudyOpensWithASagittalAndTheAxialSeriesFittedAndInTheMiddle) {
+  openStudy();
+  EXPECT_GE(workstation().viewers().size(), 2U);
+  EXPECT_EQ(info(sagittalViewer()).front, true);
+  for (const ViewerInfo& viewer : workstation().viewers()) {
+    EXPECT_EQ(viewer.slice, viewer.slices / 2);
+    const auto first = workstation().viewPointAt(viewer.number, {-0.5, -0.5});
+    const auto last = workstation().viewPointAt(viewer.number, {159.5, 159.5});
+    EXPECT_GE(std::min(first.x, last.x), -0.01) << "the whole image is seen";
+    EXPECT_LE(std::max(first.x, last.x), viewer.viewFrame.width + 0.01);
+    EXPECT_GE(std::min(first.y, last.y), -0.01);
+    EXPECT_LE(std::max(first.y, last.y), viewer.viewFrame.height + 0.01);
+  }
+}
+
+TEST_F(Viewers, TheModelKnowsWhereOnTheScreenAnImageIs) {
+  openStudy();
+  for (const ViewerInfo& viewer : workstation().viewers()) {
+    const auto& widget = canvas(viewer.number);
+    const QPoint lowerLeft = widget.mapToGlobal(QPoint(0, widget.height()));
+    EXPECT_EQ(viewer.frame.x, lowerLeft.x());
+    EXPECT_EQ(viewer.frame.y, 1000 - lowerLeft.y()) << "from the bottom of the screen";
+    EXPECT_EQ(viewer.viewFrame.width, widget.width());
+  }
+}
+
+TEST_F(Viewers, WheelKeysAndSliderScroll) {
+  openStudy();
+  const int viewer = sagittalViewer();
+  const int middle = info(viewer).slice;
+  wheel(viewer, -1);
+  EXPECT_EQ(info(viewer).slice, middle + 1);
+  wheel(viewer, 2);
+  EXPECT_EQ(info(viewer).slice, middle - 1);
+  keyPress(viewer, Qt::Key_Down);
+  EXPECT_EQ(info(viewer).slice, middle);
+  keyPress(viewer, Qt::Key_End);
+  EXPECT_EQ(info(viewer).slice, info(viewer).slices - 1);
+  wheel(viewer, -3);
+  EXPECT_EQ(info(viewer).slice, info(viewer).slices - 1) << "there is no slice beyond the last";
+  auto& slider = window_->grid().pane(viewer)->slider();
+  EXPECT_EQ(slider.value(), info(viewer).slice);
+  slider.setValue(2);
+  settle();
+  EXPECT_EQ(info(viewer).slice, 2);
+}
+
+TEST_F(Viewers, DraggingWithTheWindowToolChangesTheWindowOfThatViewerAlone) {
+  openStudy();
+  const int viewer = sagittalViewer();
+  const auto before = canvas(viewer).shownWindow();
+  ASSERT_TRUE(before);
+  mouse(viewer, QEvent::MouseButtonPress, {100, 100});
+  mouse(viewer, QEvent::MouseMove, {160, 130});
+  mouse(viewer, QEvent::MouseButtonRelease, {160, 130});
+  const auto after = canvas(viewer).shownWindow();
+  EXPECT_NEAR(after->width, before->width * (1 + 60.0 / 300), 1e-6);
+  EXPECT_NEAR(after->centre, before->centre + before->width * 30 / 300, 1e-6) << "down is darker";
+  EXPECT_FALSE(canvas(axialViewer()).look().window);
+  click("R&eset view");
+  EXPECT_EQ(canvas(viewer).shownWindow()->width, before->width);
+}
+
+TEST_F(Viewers, TheWheelWithControlEnlargesAboutThePointer) {
+  openStudy();
+  const int viewer = sagittalViewer();
+  auto& widget = canvas(viewer);
+  const double scale = info(viewer).scale;
+  const pelmar::ViewPoint middle{widget.width() / 2.0, widget.height() / 2.0};
+  const auto pixel = workstation().pixelAt(viewer, middle);
+  wheel(viewer, 4, Qt::ControlModifier);
+  EXPECT_NEAR(info(viewer).scale, 2 * scale, 1e-9);
+  EXPECT_NEAR(workstation().pixelAt(viewer, middle).x, pixel.x, 1e-6);
+  EXPECT_NEAR(workstation().pixelAt(viewer, middle).y, pixel.y, 1e-6);
+}
+
+TEST_F(Viewers, TheMiddleButtonMovesTheImageWithThePointer) {
+  openStudy();
+  const int viewer = sagittalViewer();
+  const auto pixel = workstation().pixelAt(viewer, {100, 100});
+  mouse(viewer, QEvent::MouseButtonPress, {50, 60}, Qt::MiddleButton);
+  mouse(viewer, QEvent::MouseMove, {80, 50});
+  mouse(viewer, QEvent::MouseButtonRelease, {80, 50}, Qt::MiddleButton);
+  EXPECT_NEAR(workstation().pixelAt(viewer, {130, 110}).x, pixel.x, 1e-6) << "30 to the right, 10 up";
+  EXPECT_NEAR(workstation().pixelAt(viewer, {130, 110}).y, pixel.y, 1e-6);
+}
+
+TEST_F(Viewers, TurningMirroringAndResetWorkOnTheFrontViewer) {
+  openStudy();
+  const int viewer = sagittalViewer();
+  const double scale = info(viewer).scale;
+  click("Turn &right");
+  click("Mirror left to right");
+  EXPECT_EQ(info(viewer).rotationDegrees, 90);
+  EXPECT_TRUE(info(viewer).flippedHorizontally);
+  EXPECT_EQ(info(axialViewer()).rotationDegrees, 0);
+  click("R&eset view");
+  EXPECT_EQ(info(viewer).rotationDegrees, 0);
+  EXPECT_FALSE(info(viewer).flippedHorizontally);
+  EXPECT_NEAR(info(viewer).scale, scale, 1e-9);
+}
+
+TEST_F(Viewers, AGridOfAnotherSizeKeepsTheViewersAndWhatFillsThem) {
+  openStudy();
+  const auto count = workstation().viewers().size();
+  const int viewer = sagittalViewer();
+  window_->grid().setSize({1, 1});
+  settle();
+  EXPECT_EQ(workstation().viewers().size(), count) << "those that are not seen stay open";
+  EXPECT_TRUE(canvas(viewer).isVisible());
+  EXPECT_FALSE(canvas(axialViewer()).isVisible());
+  ASSERT_TRUE(workstation().bringToFront(axialViewer()));
+  settle();
+  EXPECT_TRUE(canvas(axialViewer()).isVisible()) << "the page with the front viewer is seen";
+  window_->grid().setSize({3, 3});
+  settle();
+  EXPECT_TRUE(canvas(viewer).isVisible());
+  EXPECT_TRUE(canvas(axialViewer()).isVisible());
+  const auto info3x3 = info(viewer);
+  EXPECT_NEAR(std::min(info3x3.viewFrame.width, info3x3.viewFrame.height), 160 * info3x3.scale, 2);
+}
+
+TEST_F(Viewers, ShiftAndClickShowTheSamePointOfThePatientEverywhere) {
+  openStudy();
+  const int sagittal = sagittalViewer();
+  const int axial = axialViewer();
+  mouse(sagittal, QEvent::MouseButtonPress, at(sagittal, {80, 40}), Qt::LeftButton, Qt::ShiftModifier);
+  mouse(sagittal, QEvent::MouseButtonRelease, at(sagittal, {80, 40}), Qt::LeftButton, Qt::ShiftModifier);
+  settle();
+  const auto& marked = canvas(axial).look().marked;
+  ASSERT_TRUE(marked);
+  // By hand: the pixel's place in the patient, from the geometry of the sagittal slice.
+  const auto& geometry = *workstation().sliceRecord(sagittal, info(sagittal).slice)->geometry;
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    EXPECT_NEAR(marked->positionMm[axis],
+                geometry.position[axis] + 80 * geometry.spacingX * geometry.row[axis] +
+                    40 * geometry.spacingY * geometry.column[axis],
+                1e-9);
+  }
+  // No axial slice lies nearer to that height than the one that is shown.
+  const auto heightAt = [&](int slice) {
+    const auto& shown = *workstation().sliceRecord(axial, slice)->geometry;
+    return std::abs(shown.position[2] - marked->positionMm[2]);
+  };
+  for (int slice = 0; slice < info(axial).slices; ++slice)
+    EXPECT_GE(heightAt(slice), heightAt(info(axial).slice) - 1e-9);
+}
+
+TEST_F(Viewers, AClickWithALookingToolSelectsAnAnnotationAndDragsItWhole) {
+  openStudy();
+  const int viewer = sagittalViewer();
+  ASSERT_TRUE(workstation().drawLine(viewer, info(viewer).slice, {40, 40}, {40, 100}));
+  ASSERT_TRUE(workstation().selectMouseTool(viewer, MouseToolWindowLevel));
+  ASSERT_TRUE(workstation().deselect(viewer));
+  const auto line = workstation().annotations(viewer).front().roi;
+  EXPECT_EQ(line->ROImode(), pelmar::ROIModeFinished);
+  drag(viewer, {40, 70}, {60, 75});
+  EXPECT_EQ(line->ROImode(), pelmar::ROIModeSelected);
+  EXPECT_NEAR(line->pointAtIndex(0).x, 60, 0.01);
+  EXPECT_NEAR(line->pointAtIndex(1).y, 105, 0.01);
+  click("&Delete selected annotation");
+  EXPECT_TRUE(workstation().annotations(viewer).empty());
+  click("&Undo");
+  ASSERT_EQ(workstation().annotations(viewer).size(), 1U);
+  click("&Undo");
+  EXPECT_NEAR(line->pointAtIndex(0).x, 40, 1e-9) << "the move of the whole is taken back";
+}
+
+TEST_F(Viewers, WhatIsPaintedIsTheImageAndTheLine) {
+  openStudy();
+  const int viewer = sagittalViewer();
+  const QImage before = canvas(viewer).grab().toImage();
+  ASSERT_TRUE(workstation().drawLine(viewer, info(viewer).slice, {30, 30}, {130, 130}));
+  settle();
+  const QImage after = canvas(viewer).grab().toImage();
+  const QPoint onLine = at(viewer, {100, 100}).toPoint();
+  EXPECT_NE(before.pixelColor(onLine), after.pixelColor(onLine));
+  EXPECT_GT(after.pixelColor(onLine).red(), 150) << "the line's yellow";
+  const QPoint beside = at(viewer, {100, 60}).toPoint();
+  EXPECT_EQ(before.pixelColor(beside), after.pixelColor(beside));
+}
+
+TEST_F(Viewers, AStudyThatIsGoneIsNamedWhenItIsOpened) {
+  window_->openFolder(folder_ / "nothing");
+  waitForTask();
+  EXPECT_NE(messages().find((folder_ / "nothing").string()), std::string::npos) << messages();
+  EXPECT_TRUE(workstation().viewers().empty());
+}
+
+TEST_F(Viewers, LayoutAndViewSwitchesAreKeptBetweenRuns) {
+  window_->resize(720, 600);
+  click("Reference &lines");
+  window_->close();
+  EXPECT_EQ(settings_->value("view/referenceLines").toBool(), false);
+  window_.reset();
+  desk_.reset();
+  DeskOptions options;
+  options.defaultsFile = folder_ / "defaults.json";
+  options.plugin = VERTANA_BUNDLE;
+  desk_ = std::make_unique<Desk>(options, prompts_);
+  window_ = std::make_unique<MainWindow>(*desk_, *settings_, database());
+  EXPECT_EQ(window_->width(), 720);
+  EXPECT_EQ(window_->height(), 600);
+}
+
+}  // namespace
+}  // namespace workstation::test

@@ -1,0 +1,69 @@
+#include "workstation/gui/Desk.h"
+
+namespace workstation {
+
+Desk::Desk(const DeskOptions& options, Prompts& prompts)
+    : prompts_(prompts),
+      screenHeight_(options.screenHeight),
+      defaults_(options.defaultsFile, [this](const std::string& sentence) { tell(sentence); }),
+      cache_(reader_, options.cacheBytes),
+      session_(folders_.shelf(), workstationOptions(options)) {
+  if (const auto loaded = session_.loadPlugin(options.plugin); !loaded) tell(*loaded.problem);
+}
+
+Options Desk::workstationOptions(const DeskOptions& options) {
+  Options made;
+  made.defaultsStore = &defaults_;
+  made.screenWidth = options.screenWidth;
+  made.screenHeight = options.screenHeight;
+  made.listeners.showAlert = [this](const Alert& alert) { prompts_.showAlert(alert); };
+  made.listeners.openAddress = [this](const std::string& address) {
+    if (hooks_.openAddress) hooks_.openAddress(address);
+  };
+  made.listeners.activate = [this] {
+    if (hooks_.activate) hooks_.activate();
+  };
+  made.listeners.paletteChanged = [this] {
+    if (hooks_.paletteChanged) hooks_.paletteChanged();
+  };
+  made.listeners.paletteValueChanged = [this](const std::string& key) {
+    if (hooks_.paletteValueChanged) hooks_.paletteValueChanged(key);
+  };
+  made.listeners.eventFinished = [this] {
+    if (hooks_.eventFinished) hooks_.eventFinished();
+  };
+  return made;
+}
+
+Outcome Desk::addStudy(const std::string& studyUid) {
+  if (workstation().study(studyUid)) return Outcome::done();
+  auto images = folders_.images(studyUid);
+  if (images.empty()) {
+    return Outcome::refused("The study " + studyUid +
+                            " holds no image that can be shown: its files may have been moved or deleted.");
+  }
+  workstation().addImages(std::move(images));
+  return Outcome::done();
+}
+
+bool Desk::hasLabellingInMemory() {
+  const pelmar::Value state = workstation().pluginState();
+  if (!state.dictionary()) return false;
+  const auto planes = state.dictionary()->find("intervertebralPlanes");
+  return planes != state.dictionary()->end() && planes->second.array() && !planes->second.array()->empty();
+}
+
+bool Desk::hasLostLabelling(const std::string& studyUid) {
+  if (studyUid.empty() || !hasLabellingInMemory()) return false;
+  const StoredStatus status = store().status(studyUid);
+  return status.objects == 0 && !status.held && !status.unsaved;
+}
+
+std::vector<std::string> Desk::takeMessages() {
+  auto taken = std::exchange(messages_, {});
+  for (auto& notice : folders_.takeNotices()) taken.push_back(std::move(notice));
+  for (auto& notice : store().takeNotices()) taken.push_back(std::move(notice));
+  return taken;
+}
+
+}  // namespace workstation

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "workstation/dicom/PixelReader.h"
+#include "workstation/gui/Prompts.h"
+#include "workstation/render/PixelCache.h"
+#include "workstation/session/SavedDefaults.h"
+#include "workstation/session/Session.h"
+#include "workstation/session/StudyFolders.h"
+
+namespace workstation {
+
+struct DeskOptions {
+  std::filesystem::path defaultsFile = personDefaultsFile();
+  std::filesystem::path plugin = pluginBundlePath();
+  std::size_t cacheBytes = PixelCache::defaultCapacityBytes;
+  double screenWidth = 1920;  ///< of the primary screen, points
+  double screenHeight = 1200;
+};
+
+/// Everything of a run but the window: the studies at hand, the workstation with the plug-in, decoded pixels. What the
+/// model tells is passed on to the window, if there is one. Must outlive the window. No widget is in it.
+class Desk {
+ public:
+  /// What the window wants to hear; each may be empty. None of them may call back into the workstation at once.
+  struct Hooks {
+    std::function<void()> eventFinished;
+    std::function<void()> paletteChanged;
+    std::function<void(const std::string& key)> paletteValueChanged;
+    std::function<void()> activate;
+    std::function<void(const std::string& address)> openAddress;
+  };
+
+  /// Goes on without the plug-in when it cannot be loaded; messages tell. `prompts` must outlive the desk.
+  Desk(const DeskOptions& options, Prompts& prompts);
+
+  Hooks& hooks() { return hooks_; }
+  Prompts& prompts() { return prompts_; }
+  StudyFolders& folders() { return folders_; }
+  Workstation& workstation() { return session_.workstation(); }
+  LabellingStore& store() { return session_.store(); }
+  PixelCache& pixels() { return cache_; }
+  double screenHeight() const { return screenHeight_; }
+
+  /// Adds the study's images to the workstation unless they are there. Refused when it is nowhere.
+  Outcome addStudy(const std::string& studyUid);
+  /// Whether the plug-in has a labelling in memory.
+  bool hasLabellingInMemory();
+  /// Whether there is a labelling in memory that is neither in that study nor waiting to be written to it: the study's
+  /// files have gone.
+  bool hasLostLabelling(const std::string& studyUid);
+  /// Something to tell the person, in a whole sentence.
+  void tell(const std::string& sentence) { messages_.push_back(sentence); }
+  /// What is to be told since the last call: own messages, those of the store and of the indexes.
+  std::vector<std::string> takeMessages();
+
+ private:
+  Options workstationOptions(const DeskOptions& options);
+
+  Prompts& prompts_;
+  Hooks hooks_;
+  double screenHeight_;
+  std::vector<std::string> messages_;
+  StudyFolders folders_;
+  SavedDefaults defaults_;
+  PixelReader reader_;
+  PixelCache cache_;
+  Session session_;
+};
+
+}  // namespace workstation

@@ -1,0 +1,223 @@
+#include "workstation/gui/MainWindow.h"
+
+#include <QCloseEvent>
+#include <QDesktopServices>
+#include <QDockWidget>
+#include <QDragEnterEvent>
+#include <QMimeData>
+#include <QStatusBar>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <set>
+
+#include "workstation/gui/SharedPoint.h"
+#include "workstation/model/EventLoop.h"
+
+namespace workstation {
+
+MainWindow::MainWindow(Desk& desk, QSettings& settings, std::filesystem::path database)
+    : desk_(desk), settings_(settings), database_(std::move(database)) {
+  setWindowTitle("Vertana workstation");
+  setAcceptDrops(true);
+  canvasOptions_.texts = settings_.value("view/texts", true).toBool();
+  canvasOptions_.referenceLines = settings_.value("view/referenceLines", true).toBool();
+  makeWidgets();
+  makeActions();
+  connectDesk();
+  restoreLayout();
+  openDatabaseIfThere();
+  refresh();
+}
+
+MainWindow::~MainWindow() {
+  desk_.hooks() = {};
+  task_.reset();
+}
+
+void MainWindow::makeWidgets() {
+  canvasHooks_.entered = [this](int viewer) {
+    const auto front = desk_.workstation().frontViewer();
+    if (front && *front == viewer) return;
+    tellIfRefused(desk_.workstation().bringToFront(viewer));
+    repaintAll_ = true;  // the reference lines are those of another slice
+  };
+  canvasHooks_.marked = [this](int, const MarkedPoint& point) { markPoint(point); };
+  canvasHooks_.menuRequested = [this](int, QPoint at) {
+    // Not while the canvas, which the menu may close, handles its event.
+    QTimer::singleShot(0, this, [this, at] { showViewerMenu(at); });
+  };
+  canvasHooks_.maximised = [this](int) { grid_->setMaximised(!grid_->isMaximised()); };
+  canvasHooks_.released = [this](int) { bannersStale_ = true; };
+
+  auto* middle = new QWidget(this);
+  auto* layout = new QVBoxLayout(middle);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  messageBar_ = new MessageBar(middle);
+  grid_ = new ViewerGrid(desk_, canvasHooks_, canvasOptions_, middle);
+  layout->addWidget(messageBar_);
+  layout->addWidget(grid_, 1);
+  setCentralWidget(middle);
+
+  auto* dock = new QDockWidget("Studies", this);
+  dock->setObjectName("studies");
+  dock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
+  browser_ = new BrowserPanel(desk_, dock);
+  browser_->hooks().openStudy = [this](const std::string& study) { openStudy(study); };
+  browser_->hooks().openStack = [this](const StackId& id, bool fresh) { openStack(id, fresh); };
+  browser_->hooks().cancelled = [this] {
+    if (task_) task_->cancel();
+  };
+  dock->setWidget(browser_);
+  addDockWidget(Qt::LeftDockWidgetArea, dock);
+  palette_ = new PaletteWidget(desk_, this);
+  statusBar()->setSizeGripEnabled(false);
+}
+
+void MainWindow::connectDesk() {
+  refreshTimer_.setSingleShot(true);
+  connect(&refreshTimer_, &QTimer::timeout, this, [this] { refresh(); });
+  desk_.hooks().eventFinished = [this] { scheduleRefresh(false); };
+  desk_.hooks().paletteChanged = [this] {
+    paletteStale_ = true;
+    bannersStale_ = true;
+    scheduleRefresh(true);
+  };
+  desk_.hooks().paletteValueChanged = [this](const std::string&) {
+    paletteStale_ = true;
+    scheduleRefresh(true);
+  };
+  desk_.hooks().activate = [this] {
+    QMetaObject::invokeMethod(
+        this, [this] { activateWindow(); }, Qt::QueuedConnection);
+  };
+  desk_.hooks().openAddress = [this](const std::string& address) {
+    if (!QDesktopServices::openUrl(QUrl(QString::fromStdString(address))))
+      desk_.tell("The address " + address + " could not be opened: no browser answers.");
+    scheduleRefresh(false);
+  };
+}
+
+void MainWindow::scheduleRefresh(bool everything) {
+  repaintAll_ = repaintAll_ || everything;
+  if (!refreshTimer_.isActive()) refreshTimer_.start(0);
+}
+
+void MainWindow::refresh() {
+  // A panel of the plug-in waits in the middle of an event: what it left half done is shown once the event has ended.
+  if (isQuit_ || desk_.workstation().events().busy()) return;
+  refreshTimer_.stop();
+  // The front viewer's slice is a line in all the others.
+  const auto front = grid_->frontPane();
+  const auto info = front ? desk_.workstation().viewer(front->viewer()) : std::nullopt;
+  const bool frontScrolled = info && info->needsDisplay && canvasOptions_.referenceLines;
+  grid_->refresh(std::exchange(repaintAll_, false) || frontScrolled);
+  if (std::exchange(paletteStale_, false)) {
+    palette_->refresh();
+    watchPalette();
+  }
+  if (std::exchange(bannersStale_, false)) refreshBanners();
+  for (const std::string& sentence : desk_.takeMessages()) messageBar_->add(sentence);
+  refreshActions();
+}
+
+void MainWindow::watchPalette() {
+  if (palette_->isVisible()) {
+    const pelmar::Value state = desk_.workstation().pluginState();
+    const auto study =
+        state.dictionary() ? state.dictionary()->find("study") : pelmar::Value::Dictionary::const_iterator();
+    if (state.dictionary() && study != state.dictionary()->end() && study->second.string())
+      labelledStudy_ = *study->second.string();
+    return;
+  }
+  if (desk_.hasLostLabelling(std::exchange(labelledStudy_, {}))) desk_.tell(lostLabelling);
+  browser_->refillIfMarksChanged();
+}
+
+// --- warnings ------------------------------------------------------------------------------------------------------
+
+std::vector<std::string> MainWindow::bannersFor(const ViewerInfo& viewer) {
+  std::vector<std::string> banners;
+  const std::string& study = viewer.stack.studyUid;
+  if (desk_.store().status(study).unsaved) banners.push_back("The labelling of this study is not saved yet.");
+  const Stack* shown = desk_.workstation().stack(viewer.stack);
+  if (!shown || shown->plane != Plane::axial) return banners;
+  std::set<std::string> frames;
+  for (const StackId& id : desk_.workstation().stacks(study))
+    frames.insert(desk_.workstation().stack(id)->frameOfReferenceUid);
+  if (frames.size() < 2) return banners;
+  const auto context = desk_.workstation().reportContext(study);
+  if (context && !context->sliceLevels.empty() && context->frameOfReferenceUid != shown->frameOfReferenceUid)
+    banners.push_back("These slices lie in another frame of reference than the labelling: their levels are not sure.");
+  return banners;
+}
+
+void MainWindow::refreshBanners() {
+  for (const ViewerInfo& viewer : desk_.workstation().viewers()) {
+    if (auto* pane = grid_->pane(viewer.number)) pane->canvas().setBanners(bannersFor(viewer));
+  }
+}
+
+// --- the window itself ---------------------------------------------------------------------------------------------
+
+void MainWindow::restoreLayout() {
+  resize(1440, 900);
+  restoreGeometry(settings_.value("window/geometry").toByteArray());
+  restoreState(settings_.value("window/state").toByteArray());
+}
+
+void MainWindow::keepLayout() {
+  settings_.setValue("window/geometry", saveGeometry());
+  settings_.setValue("window/state", saveState());
+  settings_.setValue("view/texts", canvasOptions_.texts);
+  settings_.setValue("view/referenceLines", canvasOptions_.referenceLines);
+  settings_.sync();
+}
+
+void MainWindow::moveEvent(QMoveEvent* event) {
+  QMainWindow::moveEvent(event);
+  grid_->placeInModel();
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  grid_->placeInModel();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  // A panel of the plug-in waits: the event that it belongs to must end first.
+  if (desk_.workstation().events().busy()) return event->ignore();
+  keepLayout();
+  quitModel();
+  isQuit_ = true;
+  palette_->hide();
+  QMainWindow::closeEvent(event);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+  std::vector<std::filesystem::path> paths;
+  for (const QUrl& url : event->mimeData()->urls()) {
+    if (url.isLocalFile()) paths.emplace_back(url.toLocalFile().toStdString());
+  }
+  event->acceptProposedAction();
+  if (!paths.empty()) importPaths(paths);
+}
+
+void MainWindow::markPoint(const MarkedPoint& point) {
+  Workstation& workstation = desk_.workstation();
+  for (ViewerPane* pane : grid_->panes()) {
+    pane->canvas().look().marked = point;
+    const auto info = workstation.viewer(pane->viewer());
+    const Stack* stack = info ? workstation.stack(info->stack) : nullptr;
+    const auto slice = stack ? nearestSlice(stack->slices, point) : std::nullopt;
+    if (slice && static_cast<int>(*slice) != info->slice && !workstation.isDrawing(pane->viewer()))
+      tellIfRefused(workstation.scroll(pane->viewer(), static_cast<int>(*slice)));
+  }
+  scheduleRefresh(true);
+}
+
+}  // namespace workstation

@@ -1,0 +1,141 @@
+#pragma once
+
+#include <QActionGroup>
+#include <QMainWindow>
+#include <QSettings>
+#include <QTimer>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "workstation/gui/BackgroundTask.h"
+#include "workstation/gui/BrowserPanel.h"
+#include "workstation/gui/Desk.h"
+#include "workstation/gui/MessageBar.h"
+#include "workstation/gui/PaletteWidget.h"
+#include "workstation/gui/ViewerGrid.h"
+
+namespace workstation {
+
+/// What is said of a labelling that has nowhere to go.
+inline constexpr const char* lostLabelling =
+    "The labelling could not be stored, because the files of its study are no longer where they were: put them back "
+    "and "
+    "label the study again.";
+
+/// The window: the browser of studies, the viewers, menus and tools. It shows what the model has and passes on what the
+/// person does.
+class MainWindow final : public QMainWindow {
+ public:
+  /// The desk must outlive the window; settings are kept in `settings`, which must, too. `database` is where imported
+  /// files go; it is opened if it is there, and made by the first import.
+  MainWindow(Desk& desk, QSettings& settings, std::filesystem::path database);
+  ~MainWindow() override;
+
+  /// Opens a folder of DICOM files, or one file, where it lies, and its studies in viewers.
+  void openFolder(const std::filesystem::path& folder);
+  /// The same with several, one after the other; the viewers show what the last one holds.
+  void openFolders(std::vector<std::filesystem::path> folders);
+  /// Copies files and folders into the database, and shows the studies in the browser.
+  void importPaths(const std::vector<std::filesystem::path>& paths);
+  /// Whether a folder is being read or files are being imported.
+  bool isBusy() const { return task_ != nullptr; }
+
+  /// Closes what is open and opens the study; see stacksToOpen.
+  void openStudy(const std::string& studyUid);
+  /// Shows a stack in the front viewer, or in a new one.
+  void openStack(const StackId& id, bool inNewViewer);
+  void chooseMenu(const std::string& title);
+  void markPoint(const MarkedPoint& point);
+  void closeFrontViewer();
+  void deleteSelected();
+
+  /// Brings everything up to date with the model at once; else that happens after the event.
+  void refresh();
+
+  ViewerGrid& grid() { return *grid_; }
+  PaletteWidget& palette() { return *palette_; }
+  BrowserPanel& browser() { return *browser_; }
+  MessageBar& messages() { return *messageBar_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  // Actions and menus (MainWindowMenus.cpp).
+  void makeActions();
+  void makeFileMenu();
+  void makeEditMenu();
+  void makeViewMenu();
+  void makeToolMenu();
+  void makePluginMenu();
+  void makeHelpMenu();
+  QAction* addAction(QMenu* menu, const QString& text, const QKeySequence& shortcut, std::function<void()> act);
+  void chooseTool(long mouseTool, long roiTool);
+  void onFrontViewer(const std::function<Outcome(int viewer)>& operation);
+  void fillWindowMenu(QMenu* menu);
+  void showWith(int viewer, const std::optional<WindowSetting>& window);
+  void showViewerMenu(QPoint globalPosition);
+  void refreshActions();
+  void tellIfRefused(const Outcome& outcome);
+
+  // Studies (MainWindowStudies.cpp).
+  void chooseAndOpenFolder();
+  void chooseAndImport();
+  void startTask(const QString& what, BackgroundTask::Work work, std::function<void(bool cancelled)> finished);
+  void openDatabaseIfThere();
+  void showOpened(const std::filesystem::path& folder);
+  void openNextFolder();
+  void tellImport(const ImportResult& result);
+  void closeEveryViewer();
+  void showInViewers(const std::vector<StackId>& stacks);
+  void quitModel();
+
+  void connectDesk();
+  void makeWidgets();
+  void restoreLayout();
+  void keepLayout();
+  void scheduleRefresh(bool everything);
+  void refreshBanners();
+  void watchPalette();
+  std::vector<std::string> bannersFor(const ViewerInfo& viewer);
+
+  Desk& desk_;
+  QSettings& settings_;
+  std::filesystem::path database_;
+  CanvasHooks canvasHooks_;
+  CanvasOptions canvasOptions_;
+
+  ViewerGrid* grid_ = nullptr;
+  PaletteWidget* palette_ = nullptr;
+  BrowserPanel* browser_ = nullptr;
+  MessageBar* messageBar_ = nullptr;
+  QTimer refreshTimer_;
+  bool repaintAll_ = true;
+  bool bannersStale_ = true;
+  bool paletteStale_ = false;
+  bool isQuit_ = false;
+  std::string labelledStudy_;  ///< that the open palette is for; empty when none is open
+
+  QActionGroup* toolActions_ = nullptr;
+  QActionGroup* gridActions_ = nullptr;
+  QAction* undoAction_ = nullptr;
+  QAction* redoAction_ = nullptr;
+  QAction* deleteAction_ = nullptr;
+  QMenu* pluginMenu_ = nullptr;
+  QMenu* viewMenu_ = nullptr;
+  QMenu* windowMenu_ = nullptr;
+  std::vector<QAction*> viewerActions_;  ///< those that need an open viewer
+  std::set<std::string> studiesShown_;  ///< every study that was in a viewer: their labellings must be saved at the end
+  std::vector<std::filesystem::path> foldersToOpen_;
+  std::unique_ptr<BackgroundTask> task_;
+};
+
+}  // namespace workstation

@@ -1,0 +1,234 @@
+// Opening, importing and closing.
+#include <QFileInfo>
+#include <QStatusBar>
+
+#include "workstation/gui/MainWindow.h"
+#include "workstation/gui/OpeningStacks.h"
+#include "workstation/gui/StackTitle.h"
+
+namespace workstation {
+
+namespace fs = std::filesystem;
+
+// --- folders and the database --------------------------------------------------------------------------------------
+
+void MainWindow::openDatabaseIfThere() {
+  std::error_code error;
+  if (database_.empty() || !fs::exists(database_, error) || desk_.folders().holds(database_)) return;
+  auto opened = StudyDatabase::openDatabase(database_);
+  if (!opened) {
+    desk_.tell(opened.problem);
+    return;
+  }
+  desk_.folders().add(std::move(*opened), database_);
+  browser_->refill();
+}
+
+void MainWindow::chooseAndOpenFolder() {
+  const QString start = settings_.value("folders/last").toString();
+  const QString folder = desk_.prompts().chooseFolder("Open a folder of DICOM files", start);
+  if (!folder.isEmpty()) openFolder(folder.toStdString());
+}
+
+void MainWindow::chooseAndImport() {
+  const QString start = settings_.value("folders/last").toString();
+  const QString folder = desk_.prompts().chooseFolder("Import a folder of DICOM files", start);
+  if (!folder.isEmpty()) importPaths({folder.toStdString()});
+}
+
+void MainWindow::startTask(const QString& what, BackgroundTask::Work work, std::function<void(bool)> finished) {
+  browser_->showProgress(what);
+  task_ = std::make_unique<BackgroundTask>(
+      std::move(work), [this](std::size_t done, std::size_t total) { browser_->setProgress(done, total); },
+      [this, finished = std::move(finished)] {
+        // The task itself is what calls: it goes when it has returned.
+        const std::shared_ptr<BackgroundTask> ended(std::move(task_));
+        QMetaObject::invokeMethod(
+            this, [ended] {}, Qt::QueuedConnection);
+        browser_->hideProgress();
+        finished(ended->isCancelled());
+        scheduleRefresh(true);
+        openNextFolder();
+      });
+}
+
+void MainWindow::openFolder(const fs::path& folder) { openFolders({folder}); }
+
+void MainWindow::openFolders(std::vector<fs::path> folders) {
+  const bool waits = task_ || !foldersToOpen_.empty();
+  foldersToOpen_.insert(foldersToOpen_.end(), folders.begin(), folders.end());
+  if (!waits) openNextFolder();
+}
+
+void MainWindow::openNextFolder() {
+  if (foldersToOpen_.empty()) return;
+  const fs::path folder = foldersToOpen_.front();
+  foldersToOpen_.erase(foldersToOpen_.begin());
+  settings_.setValue("folders/last", QString::fromStdString(folder.string()));
+  if (desk_.folders().holds(folder)) {
+    showOpened(folder);
+    return openNextFolder();
+  }
+  auto opened = std::make_shared<Result<std::unique_ptr<StudyDatabase>>>();
+  startTask(
+      "Reading " + QString::fromStdString(folder.filename().string()),
+      [opened, folder](const Progress& progress) {
+        OpenOptions options;
+        options.progress = progress;
+        *opened = StudyDatabase::openFolder(folder, options);
+      },
+      [this, opened, folder](bool cancelled) {
+        if (*opened) {
+          desk_.folders().add(std::move(**opened), folder);
+          showOpened(folder);
+        } else if (!cancelled) {
+          desk_.tell(opened->problem);
+        }
+      });
+}
+
+void MainWindow::showOpened(const fs::path& folder) {
+  browser_->refill();
+  const auto studies = desk_.folders().studiesIn(folder);
+  if (studies.empty()) {
+    desk_.tell(folder.string() + " holds no DICOM image that can be shown.");
+  } else {
+    openStudy(studies.front());
+  }
+  scheduleRefresh(true);
+}
+
+void MainWindow::importPaths(const std::vector<fs::path>& paths) {
+  if (paths.empty()) return;
+  if (task_ || database_.empty()) {
+    desk_.tell(paths.front().string() + (task_ ? " was not imported: wait until what is being read has been read, or "
+                                                 "cancel it."
+                                               : " was not imported: there is no folder for a database."));
+    return scheduleRefresh(false);
+  }
+  auto result = std::make_shared<ImportResult>();
+  startTask(
+      "Importing " + QString::fromStdString(paths.front().filename().string()),
+      [result, paths, database = database_](const Progress& progress) {
+        // A connection of its own: the window's belongs to the window's thread.
+        auto opened = StudyDatabase::openDatabase(database);
+        if (opened) {
+          *result = (*opened)->importFiles(paths, progress);
+        } else {
+          result->problem = opened.problem;
+        }
+      },
+      [this, result](bool) {
+        openDatabaseIfThere();
+        desk_.folders().refresh();
+        browser_->refill();
+        tellImport(*result);
+      });
+}
+
+void MainWindow::tellImport(const ImportResult& result) {
+  if (!result.problem.empty()) return desk_.tell(result.problem);
+  if (result.cancelled) return statusBar()->showMessage("The import was cancelled: the database is as it was.");
+  for (const UnreadableFile& file : result.unreadable)
+    desk_.tell(file.file.string() + " was not imported: " + file.reason + ".");
+  if (result.imported + result.known == 0) return desk_.tell("Nothing was imported: no DICOM object was found.");
+  QString text = QString::fromStdString(countText(result.imported, "file was", "files were")) + " imported";
+  if (result.known > 0)
+    text += QString::fromStdString(", " + countText(result.known, "was", "were") + " there already");
+  statusBar()->showMessage(text + ".");
+}
+
+// --- viewers -------------------------------------------------------------------------------------------------------
+
+void MainWindow::closeEveryViewer() {
+  // The palette goes first, as when the program ends: what was drawn is stored.
+  if (desk_.workstation().palette()) tellIfRefused(desk_.workstation().closePalette());
+  for (const ViewerInfo& viewer : desk_.workstation().viewers())
+    tellIfRefused(desk_.workstation().closeViewer(viewer.number));
+}
+
+void MainWindow::showInViewers(const std::vector<StackId>& stacks) {
+  Workstation& workstation = desk_.workstation();
+  std::optional<int> first;
+  for (const StackId& id : stacks) {
+    studiesShown_.insert(id.studyUid);
+    const auto opened = workstation.openViewer(id);
+    if (!opened) {
+      desk_.tell(opened.problem);
+      continue;
+    }
+    if (!first) first = *opened;
+  }
+  if (first) tellIfRefused(workstation.bringToFront(*first));
+  grid_->setSize(gridFor(workstation.viewers().size()));
+  // The middle is what a spine is drawn in, and where there is something to see.
+  for (const ViewerInfo& viewer : workstation.viewers()) {
+    if (viewer.slice == 0 && viewer.slices > 1) tellIfRefused(workstation.scroll(viewer.number, viewer.slices / 2));
+  }
+  bannersStale_ = true;
+  scheduleRefresh(true);
+  if (auto* pane = grid_->frontPane()) pane->canvas().setFocus();
+}
+
+void MainWindow::openStudy(const std::string& studyUid) {
+  if (const Outcome added = desk_.addStudy(studyUid); !added) {
+    desk_.tell(*added.problem);
+    return scheduleRefresh(false);
+  }
+  closeEveryViewer();
+  showInViewers(stacksToOpen(desk_.workstation(), studyUid));
+  const Study* study = desk_.workstation().study(studyUid);
+  setWindowTitle(QString::fromStdString(patientText(study->patientName)) + " - Vertana workstation");
+}
+
+void MainWindow::openStack(const StackId& id, bool inNewViewer) {
+  const auto front = desk_.workstation().frontViewer();
+  if (inNewViewer || !front) return showInViewers({id});
+  studiesShown_.insert(id.studyUid);
+  tellIfRefused(desk_.workstation().switchSeries(*front, id));
+  if (auto* pane = grid_->pane(*front)) {
+    pane->canvas().look() = {};
+    const auto info = desk_.workstation().viewer(*front);
+    tellIfRefused(desk_.workstation().scroll(*front, info->slices / 2));
+  }
+  bannersStale_ = true;
+  scheduleRefresh(true);
+}
+
+void MainWindow::closeFrontViewer() {
+  onFrontViewer([&](int viewer) { return desk_.workstation().closeViewer(viewer); });
+  bannersStale_ = true;
+  paletteStale_ = true;
+  scheduleRefresh(true);
+}
+
+void MainWindow::deleteSelected() {
+  Workstation& workstation = desk_.workstation();
+  onFrontViewer([&](int viewer) -> Outcome {
+    const auto annotations = workstation.annotations(viewer, workstation.viewer(viewer)->slice);
+    for (const AnnotationInfo& annotation : annotations) {
+      if (annotation.roi->ROImode() != pelmar::ROIModeFinished && annotation.roi->selectable())
+        return workstation.deleteAnnotation(viewer, annotation.id);
+    }
+    return Outcome::refused("No annotation is selected: click on one first.");
+  });
+  scheduleRefresh(true);
+}
+
+void MainWindow::quitModel() {
+  Workstation& workstation = desk_.workstation();
+  workstation.quit();
+  if (desk_.hasLostLabelling(labelledStudy_)) {
+    desk_.prompts().showAlert({Alert::Kind::critical, "The labelling is lost", lostLabelling, {}, {"Quit"}});
+  }
+  for (const std::string& study : studiesShown_) {
+    for (auto status = desk_.store().status(study); status.unsaved; status = desk_.store().status(study)) {
+      const bool again = desk_.prompts().tryAgain("The labelling is not saved.", QString::fromStdString(status.problem),
+                                                  "Quit without saving");
+      if (!again) break;
+      workstation.quit();  // everything is closed already: this tries to save once more
+    }
+  }
+}
+
+}  // namespace workstation

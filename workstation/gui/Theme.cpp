@@ -1,0 +1,67 @@
+#include "workstation/gui/Theme.h"
+
+#include <QStyleFactory>
+
+namespace workstation {
+namespace {
+
+const QColor window(43, 45, 48);
+const QColor base(30, 31, 34);
+const QColor text(222, 224, 228);
+const QColor faded(130, 134, 140);
+const QColor accent(74, 136, 199);
+const QColor viewerFrame(24, 24, 26);
+
+QPalette darkPalette() {
+  QPalette palette;
+  palette.setColor(QPalette::Window, window);
+  palette.setColor(QPalette::WindowText, text);
+  palette.setColor(QPalette::Base, base);
+  palette.setColor(QPalette::AlternateBase, QColor(36, 37, 40));
+  palette.setColor(QPalette::ToolTipBase, QColor(60, 63, 66));
+  palette.setColor(QPalette::ToolTipText, text);
+  palette.setColor(QPalette::PlaceholderText, faded);
+  palette.setColor(QPalette::Text, text);
+  palette.setColor(QPalette::Button, QColor(58, 61, 65));
+  palette.setColor(QPalette::ButtonText, text);
+  palette.setColor(QPalette::BrightText, Qt::white);
+  palette.setColor(QPalette::Link, QColor(104, 167, 230));
+  palette.setColor(QPalette::Highlight, accent);
+  palette.setColor(QPalette::HighlightedText, Qt::white);
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    palette.setColor(QPalette::Disabled, role, QColor(112, 115, 120));
+  palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(70, 73, 78));
+  return palette;
+}
+
+/// What the style does not take from the palette.
+const char* const details =
+    "QToolBar { border: none; spacing: 2px; padding: 3px; }"
+    "QToolBar::separator { background: #1e1f22; width: 1px; margin: 4px 5px; }"
+    "QToolButton { padding: 4px 7px; border-radius: 4px; }"
+    "QToolButton:hover { background: #3f4348; }"
+    "QToolButton:checked { background: #355a80; color: white; }"
+    "QStatusBar { color: #b9bcc2; }"
+    "QStatusBar::item { border: none; }"
+    "QToolTip { color: #dee0e4; background: #3c3f42; border: 1px solid #1e1f22; padding: 3px; }"
+    "QScrollBar:vertical { background: #18181a; width: 13px; margin: 0; }"
+    "QScrollBar::handle:vertical { background: #55595f; min-height: 26px; border-radius: 4px; margin: 1px 3px; }"
+    "QScrollBar::handle:vertical:hover { background: #72777e; }"
+    "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
+    "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }";
+
+}  // namespace
+
+void useTheme(QApplication& application) {
+  QApplication::setStyle(QStyleFactory::create("Fusion"));
+  QApplication::setPalette(darkPalette());
+  application.setStyleSheet(details);
+}
+
+QPalette viewerFramePalette(bool front) {
+  QPalette palette = QApplication::palette();
+  palette.setColor(QPalette::Window, front ? accent : viewerFrame);
+  return palette;
+}
+
+}  // namespace workstation

@@ -1,0 +1,75 @@
+// The workstation's window.
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QScreen>
+#include <QSettings>
+#include <QStandardPaths>
+#include <clocale>
+#include <filesystem>
+
+#include "workstation/gui/MainWindow.h"
+#include "workstation/gui/Theme.h"
+#include "workstation/gui/WidgetPrompts.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Arguments {
+  std::vector<fs::path> studies;
+  fs::path database;
+  bool import = false;
+};
+
+Arguments argumentsOf(const QApplication& application) {
+  QCommandLineParser parser;
+  parser.setApplicationDescription(
+      "A workstation for DICOM images that labels spines.\n\n"
+      "Each STUDY is a folder of DICOM files, or one file. It is opened where it lies: what is stored goes into that "
+      "folder.");
+  parser.addHelpOption();
+  parser.addVersionOption();
+  const QCommandLineOption import("import", "Copy the studies into the database instead.");
+  const QString place = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/vertana/database";
+  const QCommandLineOption database("database", "The database folder (" + place + ").", "DIR", place);
+  parser.addOptions({import, database});
+  parser.addPositionalArgument("STUDY", "A folder of DICOM files.", "[STUDY...]");
+  parser.process(application);
+  Arguments arguments;
+  for (const QString& study : parser.positionalArguments()) arguments.studies.emplace_back(study.toStdString());
+  arguments.database = parser.value(database).toStdString();
+  arguments.import = parser.isSet(import);
+  return arguments;
+}
+
+}  // namespace
+
+int main(int count, char** values) {
+  QApplication application(count, values);
+  // The application takes on the person's locale, in which numbers may have a comma: those of files never do.
+  std::setlocale(LC_NUMERIC, "C");
+  QApplication::setApplicationName("vertana-workstation");
+  QApplication::setApplicationVersion(VERTANA_VERSION);
+  const Arguments arguments = argumentsOf(application);
+  workstation::useTheme(application);
+
+  QSettings settings("vertana", "workstation");
+  workstation::DeskOptions options;
+  const QRect screen = QGuiApplication::primaryScreen()->geometry();
+  options.screenWidth = screen.width();
+  options.screenHeight = screen.height();
+  options.cacheBytes = static_cast<std::size_t>(
+      settings.value("cache/bytes", static_cast<qulonglong>(workstation::PixelCache::defaultCapacityBytes))
+          .toULongLong());
+  workstation::WidgetPrompts prompts;
+  workstation::Desk desk(options, prompts);
+  workstation::MainWindow window(desk, settings, arguments.database);
+  prompts.setParent(&window);
+  window.show();
+  if (arguments.import && !arguments.studies.empty()) {
+    window.importPaths(arguments.studies);
+  } else {
+    window.openFolders(arguments.studies);
+  }
+  return QApplication::exec();
+}
