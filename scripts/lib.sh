@@ -15,7 +15,7 @@ packagesToBuildOptional=(ccache qt6-base-dev fonts-dejavu-core)
 packagesToTest=("${packagesToBuild[@]}" libgtest-dev libgmock-dev libbenchmark-dev)
 packagesToTestOptional=("${packagesToBuildOptional[@]}" dcmtk dicom3tools libgdcm-tools python3-pydicom python3-pil
                         python3-nibabel python3-jsonschema gobjc libgnustep-base-dev gnustep-make libplist-utils
-                        groff-base man-db mandoc)
+                        groff-base man-db mandoc xvfb xdotool)
 packagesToTestPlugin=(build-essential cmake ninja-build libgtest-dev libgmock-dev)
 packagesToLint=("${packagesToTest[@]}" clang-14 clang-tidy-14)
 
