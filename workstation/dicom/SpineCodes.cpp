@@ -172,11 +172,11 @@ std::optional<int> regionOfCode(const Code& code) {
   return std::nullopt;
 }
 
-bool areLevelsOfRegion(const std::vector<std::string_view>& discs, int region, bool additionalVertebra) {
-  if (region < 0 || region > 2 || discs.empty()) return false;
+bool areLevelsOfRegion(const std::vector<std::string_view>& names, int region, bool additionalVertebra) {
+  if (region < 0 || region > 2 || names.empty()) return false;
   const RegionEnds& ends = regionEnds[region];
-  return discs.front() == ends.first && discs.back() == (additionalVertebra ? ends.lastWithExtra : ends.last) &&
-         std::adjacent_find(discs.begin(), discs.end(), std::not_fn(areNeighbours)) == discs.end();
+  return names.front() == ends.first && names.back() == (additionalVertebra ? ends.lastWithExtra : ends.last) &&
+         std::adjacent_find(names.begin(), names.end(), std::not_fn(areNeighbours)) == names.end();
 }
 
 }  // namespace workstation

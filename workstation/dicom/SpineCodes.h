@@ -28,7 +28,7 @@ std::optional<Code> vertebraCode(std::string_view vertebra);
 std::optional<Code> regionCode(int region);
 
 /// Whether these are all levels of a region (0 cervical, 1 thoracic, 2 lumbar), from head to foot, none left out.
-bool areLevelsOfRegion(const std::vector<std::string_view>& discs, int region, bool additionalVertebra);
+bool areLevelsOfRegion(const std::vector<std::string_view>& names, int region, bool additionalVertebra);
 
 /// What the codes above stand for; nothing for any other code.
 std::optional<std::string_view> discOfLevelCode(const Code& code);
