@@ -18,7 +18,7 @@ class AtHand : public testing::Test {
     std::string pattern = testing::TempDir() + "folders-XXXXXX";
     ASSERT_NE(mkdtemp(pattern.data()), nullptr);
     root() = pattern;
-    for (const std::uint64_t seed : {1, 2}) {
+    for (const std::uint64_t seed : {1U, 2U}) {
       phantom::PhantomOptions options;
       options.outDir = root() / ("study" + std::to_string(seed));
       options.imageSize = 16;
