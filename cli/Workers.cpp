@@ -14,7 +14,6 @@
 #include <exception>
 #include <iostream>
 #include <optional>
-#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -132,7 +131,7 @@ class Pool {
       const int error = worker.process < 0 ? start(worker) : 0;
       if (error != 0) {
         finish(task, tasks_.name(task) + " cannot be looked at: no process can be started for it (" +
-                         std::generic_category().message(error) + "). Let other programs end, then try again.");
+                         std::strerror(error) + "). Let other programs end, then try again.");
         continue;
       }
       worker.task = task;
