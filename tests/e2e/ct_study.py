@@ -9,31 +9,13 @@ usage: ct_study.py VERTANA
 import json
 import pathlib
 import random
-import subprocess
 import sys
 import tempfile
 
 from dicom_files import ENHANCED_CT, enhanced, headers, save
-from program import Checks, Run, phantom
+from program import Checks, Run, asked_of_oracle, check_with_oracle, phantom
 
-ORACLE = pathlib.Path(__file__).parent / "oracle" / "naming.py"
 SERIES = {1: "SE01", 3: "SE03", 4: "SE04"}  # sagittal, axial, axial along the discs
-
-
-def oracle(*arguments):
-    return subprocess.run(["/usr/bin/python3", str(ORACLE), *map(str, arguments)], capture_output=True, text=True,
-                          check=False)
-
-
-def agree(checks, plain, label, kind):
-    """The oracle judges the printed object, whose slices are named by the SOP Instance UIDs of the plain study."""
-    with tempfile.NamedTemporaryFile("w", suffix=".json") as file:
-        json.dump(label, file)
-        file.flush()
-        for task in ("check", "discs"):
-            verdict = oracle(task, plain, file.name)
-            print(f"{kind}: {verdict.stdout.strip()}")
-            checks.that(verdict.returncode == 0, f"{kind}: the oracle's {task} agrees: {verdict.stderr}")
 
 
 def listed(run):
@@ -46,7 +28,7 @@ def main():
     checks = Checks()
     with tempfile.TemporaryDirectory(prefix="vertana-e2e-") as temporary:
         plain = phantom(program, pathlib.Path(temporary) / "plain", "--region", "lumbar", "--ct", "--angled-axials")
-        drawing = ["--polygon", oracle("polygon", plain).stdout.strip(), "--series", 1, "--json"]
+        drawing = ["--polygon", asked_of_oracle("polygon", plain), "--series", 1, "--json"]
         # Before the plain study is labelled: what is stored goes into its folders.
         folder, sources = pathlib.Path(temporary) / "enhanced", {}
         for number, name in SERIES.items():
@@ -60,7 +42,7 @@ def main():
 
         run = Run(program, ["label", plain, *drawing])
         checks.that(run.status == 0 and not run.messages, "a CT is labelled on its sagittal reformats", run)
-        agree(checks, plain, run.json(), "single slices")
+        check_with_oracle(checks, plain, run.out, "single slices: ")
 
         run = Run(program, ["info", folder, "--json"])
         checks.that(listed(run) == [(1, 0, 15), (3, 2, 512), (4, 2, 25)], "enhanced CT images count a slice a frame", run)
@@ -69,7 +51,8 @@ def main():
         label = run.json()
         for entry in label["slices"]:
             entry["sop"] = sources[entry["sop"], entry["frame"]]
-        agree(checks, plain, label, "enhanced images")
+        # The oracle knows the slices by the SOP Instance UIDs of the plain study.
+        check_with_oracle(checks, plain, json.dumps(label), "enhanced images: ")
     checks.finish()
 
 

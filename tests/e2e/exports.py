@@ -7,7 +7,6 @@ usage: exports.py VERTANA LABELLING_SCHEMA                 phantoms
 """
 import csv
 import gzip
-import hashlib
 import json
 import os
 import pathlib
@@ -17,7 +16,7 @@ import tempfile
 
 import pydicom
 
-from program import Checks, Run, phantom, shared_data, skip
+from program import Checks, Run, contents, phantom, shared_data, skip
 
 try:
     import jsonschema
@@ -64,11 +63,6 @@ MARKUPS = {
             "if": {"properties": {"type": {"const": "Plane"}}},
             "then": {"required": ["planeType", "center", "normal", "objectToBase", "baseToNode", "size", "planeBounds"],
                      "properties": {"controlPoints": {"maxItems": 1}}}}}}}
-
-
-def contents(folder):
-    return {str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).hexdigest()
-            for path in sorted(folder.rglob("*")) if path.is_file()}
 
 
 def images(folder, axis):

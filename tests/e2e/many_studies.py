@@ -4,7 +4,6 @@ cannot be shown is one line on standard error that keeps nothing back.
 
 usage: many_studies.py VERTANA
 """
-import hashlib
 import json
 import os
 import pathlib
@@ -18,19 +17,8 @@ import tempfile
 import pydicom
 
 import program as e2e
-from program import Checks, Run, phantom
+from program import Checks, Run, asked_of_oracle, contents, phantom
 
-ORACLE = pathlib.Path(__file__).parent / "oracle" / "naming.py"
-
-
-def oracle(*arguments):
-    return subprocess.run(["/usr/bin/python3", str(ORACLE), *map(str, arguments)], capture_output=True, text=True,
-                          check=True).stdout.strip()
-
-
-def contents(folder):
-    return {str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).hexdigest()
-            for path in sorted(folder.rglob("*")) if path.is_file()}
 
 
 class Study:
@@ -43,8 +31,8 @@ class Study:
         self.order = (header.StudyDate, self.uid)
         if not labelled:
             return
-        run = Run(program, ["label", folder, "--polygon", oracle("polygon", folder), "--series",
-                            oracle("series", folder)])
+        run = Run(program, ["label", folder, "--polygon", asked_of_oracle("polygon", folder), "--series",
+                            asked_of_oracle("series", folder)])
         if run.status != 0:
             print(run.describe())
             sys.exit(1)

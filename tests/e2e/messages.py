@@ -12,11 +12,10 @@ import signal
 import subprocess
 import sys
 import tempfile
-import time
 
 import pydicom
 
-from program import Checks, Run, phantom
+from program import Checks, Run, interrupted, phantom
 from reports import BLOCK_ARCHIVE, BLOCK_CREATOR, BLOCK_GROUP, archive_of, report_files
 
 LINE = ["--line", "165,35,160,275"]
@@ -140,17 +139,6 @@ def check_past(checks, program, study, top):
     told(checks, Run(program, ["info", study]), 0, "Labels   none stored")
 
 
-def interrupted(program, arguments, begun):
-    """The status and messages of a run that gets the interrupt key as soon as `begun` says so."""
-    with subprocess.Popen([program, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          stderr=subprocess.PIPE, text=True) as process:
-        while not begun(process) and process.poll() is None:
-            time.sleep(0.001)
-        process.send_signal(signal.SIGINT)
-        _, messages = process.communicate(timeout=300)
-    return process.returncode, messages
-
-
 def listens(process):
     """Whether it catches the interrupt key by now."""
     try:
@@ -175,12 +163,12 @@ def check_interrupts(checks, program, study, top):
          f"Interrupted; nothing was left in {top / 'new'}."),
     ]
     for arguments, begun, sentence in cases:
-        status, messages = interrupted(program, arguments, begun)
+        status, _, messages = interrupted(program, arguments, begun)
         checks.that(status == 1 and messages == f"vertana: {sentence}\n", f"{arguments}: {status}, {messages}")
     pictures = top / "pictures"
     if Run(program, ["render", study, "--out", top / "all pictures"]).status == 0:  # the painting module is built
         arguments = ["render", study, "--out", pictures]
-        status, messages = interrupted(program, arguments, lambda _: list(pictures.glob("*.png")))
+        status, _, messages = interrupted(program, arguments, lambda _: list(pictures.glob("*.png")))
         checks.that(status == 1 and messages == "vertana: Interrupted while painting.\n", f"{status}, {messages}")
 
     script = top / "script"

@@ -4,18 +4,11 @@
 usage: phantom_naming.py VERTANA REGION SEED [OPTION OF vertana phantom...]
 """
 import pathlib
-import subprocess
 import sys
 import tempfile
 
-from program import Checks, Run, phantom
+from program import Checks, Run, asked_of_oracle, check_with_oracle, phantom
 
-ORACLE = pathlib.Path(__file__).parent / "oracle" / "naming.py"
-
-
-def oracle(*arguments):
-    return subprocess.run(["/usr/bin/python3", str(ORACLE), *map(str, arguments)], capture_output=True, text=True,
-                          check=False)
 
 
 def main():
@@ -23,18 +16,13 @@ def main():
     checks = Checks()
     with tempfile.TemporaryDirectory(prefix="vertana-e2e-") as temporary:
         folder = phantom(program, pathlib.Path(temporary) / "study", "--region", region, "--seed", seed, *options)
-        polygon = oracle("polygon", folder).stdout.strip()
-        series = oracle("series", folder).stdout.strip()
+        polygon = asked_of_oracle("polygon", folder)
+        series = asked_of_oracle("series", folder)
         extra = ["--extra-vertebra"] if "--extra-vertebra" in options else []
         run = Run(program, ["label", folder, "--polygon", polygon, "--series", series, "--json", *extra])
         checks.that(run.status == 0, "label ends well", run)
         checks.that(not run.messages, "label has nothing to complain of", run)
-        result = pathlib.Path(temporary) / "label.json"
-        result.write_text(run.out)
-        for task in ("check", "discs"):
-            verdict = oracle(task, folder, result)
-            print(verdict.stdout.strip())
-            checks.that(verdict.returncode == 0, f"the oracle's {task} agrees: {verdict.stderr}")
+        check_with_oracle(checks, folder, run.out)
     checks.finish()
 
 

@@ -1,13 +1,19 @@
 """Runs the vertana command for the end-to-end tests, away from the person's own settings."""
+import hashlib
 import json
 import os
 import pathlib
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "support"))
 from checks import Checks, skip  # pylint: disable=wrong-import-position,unused-import
+from phantoms import phantom  # pylint: disable=wrong-import-position,unused-import
+
+ORACLE = pathlib.Path(__file__).parent / "oracle" / "naming.py"
 
 _settings = tempfile.TemporaryDirectory(prefix="vertana-settings-")
 
@@ -40,9 +46,36 @@ def shared_data(root, *parts):
     return folder
 
 
-def phantom(program, folder, *options):
-    run = Run(program, ["phantom", "--out", folder, *options])
-    if run.status != 0:
-        print(run.describe())
-        sys.exit(1)
-    return folder
+def interrupted(program, arguments, begun):
+    """Status, output and messages of a run that gets the interrupt key as soon as `begun`(process) says so."""
+    with subprocess.Popen([program, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.PIPE, text=True) as process:
+        while not begun(process) and process.poll() is None:
+            time.sleep(0.001)
+        process.send_signal(signal.SIGINT)
+        out, messages = process.communicate(timeout=300)
+    return process.returncode, out, messages
+
+
+def asked_of_oracle(*arguments):
+    """What the naming oracle prints of a phantom."""
+    return subprocess.run(["/usr/bin/python3", str(ORACLE), *map(str, arguments)], capture_output=True, text=True,
+                          check=True).stdout.strip()
+
+
+def check_with_oracle(checks, folder, printed, kind=""):
+    """Every slice and every disc of a printed labelling is as the oracle says."""
+    with tempfile.NamedTemporaryFile("w", suffix=".json") as file:
+        file.write(printed)
+        file.flush()
+        for task in ("check", "discs"):
+            verdict = subprocess.run(["/usr/bin/python3", str(ORACLE), task, str(folder), file.name],
+                                     capture_output=True, text=True, check=False)
+            print(f"{kind}{verdict.stdout.strip()}")
+            checks.that(verdict.returncode == 0, f"{kind}the oracle's {task} agrees: {verdict.stderr}")
+
+
+def contents(folder):
+    """A sum of each file, by its path in the folder."""
+    return {str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).hexdigest()
+            for path in sorted(folder.rglob("*")) if path.is_file()}

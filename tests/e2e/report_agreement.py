@@ -9,22 +9,15 @@ import resource
 import shutil
 import signal
 import struct
-import subprocess
 import sys
 import tempfile
 
 import pydicom
 
-from program import Checks, Run, phantom
+from program import Checks, Run, asked_of_oracle, phantom
 from reports import BLOCK_ARCHIVE, BLOCK_CREATOR, BLOCK_GROUP, archive_of, content_of, report_files, unarchived
 
-ORACLE = pathlib.Path(__file__).parent / "oracle" / "naming.py"
 TARGET_REGIONS = {-1: "Spine", 0: "Cervical spine", 1: "Thoracic spine", 2: "Lumbar spine"}
-
-
-def oracle(*arguments):
-    return subprocess.run(["/usr/bin/python3", str(ORACLE), *map(str, arguments)], capture_output=True, text=True,
-                          check=True).stdout.strip()
 
 
 def single(numbers):
@@ -155,7 +148,7 @@ def main():
     checks = Checks()
     with tempfile.TemporaryDirectory(prefix="vertana-e2e-") as temporary:
         folder = phantom(program, pathlib.Path(temporary) / "study", "--region", region, *options)
-        polygon, series = oracle("polygon", folder), oracle("series", folder)
+        polygon, series = asked_of_oracle("polygon", folder), asked_of_oracle("series", folder)
         extra = ["--extra-vertebra"] if "--extra-vertebra" in options else []
         drawing = ["--polygon", polygon, "--series", series, *extra]
         check_full_disk(checks, program, folder, drawing)

@@ -4,30 +4,17 @@
 usage: stored_labelling.py VERTANA REGION [OPTION OF vertana phantom...]
 """
 import csv
-import hashlib
 import io
 import pathlib
-import subprocess
 import sys
 import tempfile
 
 import pydicom
 
-from program import Checks, Run, phantom
+from program import Checks, Run, asked_of_oracle, contents, phantom
 
-ORACLE = pathlib.Path(__file__).parent / "oracle" / "naming.py"
 DESCRIPTION = "Pelmar Vertana Plugin Intervertebral Planes SR"
 REGIONS = ["cervical", "thoracic", "lumbar"]
-
-
-def oracle(*arguments):
-    return subprocess.run(["/usr/bin/python3", str(ORACLE), *map(str, arguments)], capture_output=True, text=True,
-                          check=True).stdout.strip()
-
-
-def contents(folder):
-    return {str(path.relative_to(folder)): hashlib.sha256(path.read_bytes()).hexdigest()
-            for path in sorted(folder.rglob("*")) if path.is_file()}
 
 
 def reports(folder):
@@ -174,7 +161,7 @@ def main():
         checks.that(run.status == 0 and "never" in run.out, "and its history is empty", run)
         checks.that(not (folder / ".vertana").exists(), "looking leaves nothing behind")
 
-        polygon, series = oracle("polygon", folder), oracle("series", folder)
+        polygon, series = asked_of_oracle("polygon", folder), asked_of_oracle("series", folder)
         line = ",".join(polygon.split(",")[:2] + polygon.split(",")[-2:])
         extra = ["--extra-vertebra"] if "--extra-vertebra" in options else []
         run = Run(program, ["label", folder, "--polygon", polygon, "--series", series, "--json", *extra])

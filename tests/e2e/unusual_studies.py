@@ -7,16 +7,14 @@ usage: unusual_studies.py VERTANA
 import os
 import pathlib
 import shutil
-import signal
 import subprocess
 import sys
 import tempfile
-import time
 
 from pydicom.uid import generate_uid
 
 from dicom_files import ENHANCED_MR, enhanced, headers, save
-from program import Checks, Run, phantom
+from program import Checks, Run, interrupted, phantom
 
 LINE = ["--line", "197,46,204,274"]
 
@@ -153,13 +151,9 @@ def check_output(checks, program, plain, folder):
     checks.that(run.status == 1 and len(run.messages) == 1 and "/proc/vertana" in run.messages[0],
                 "a folder that cannot be made is named", run)
     target = folder / "interrupted"
-    with subprocess.Popen([program, "phantom", "--region", "lumbar", "--ct", "--out", str(target)],
-                          stderr=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as process:
-        while not list(target.glob("*/*")) and process.poll() is None:
-            time.sleep(0.01)
-        process.send_signal(signal.SIGINT)
-        out, err = process.communicate()
-    checks.that(process.returncode == 1 and out == "" and "Interrupted" in err, f"an interrupt is told of: {err}")
+    arguments = ["phantom", "--region", "lumbar", "--ct", "--out", target]
+    status, out, err = interrupted(program, arguments, lambda _: list(target.glob("*/*")))
+    checks.that(status == 1 and out == "" and "Interrupted" in err, f"an interrupt is told of: {err}")
     checks.that(not target.exists(), "and leaves nothing behind")
 
 

@@ -22,9 +22,11 @@ import sys
 import tempfile
 import time
 
-import compare
-import states
-from states import naming
+sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "support"))
+import compare  # noqa: E402
+import states  # noqa: E402
+from phantoms import phantom  # noqa: E402
+from states import naming  # noqa: E402
 
 DRAGS = 1000
 DRAGS_A_DUMP = 100
@@ -38,8 +40,7 @@ def write_study(program, folder):
     import pydicom
     from pydicom.uid import generate_uid
     with tempfile.TemporaryDirectory(prefix="vertana-long-") as temporary:
-        source = pathlib.Path(temporary) / "phantom"
-        subprocess.run([program, "phantom", "--region", "lumbar", "--out", source], check=True, capture_output=True)
+        source = phantom(program, pathlib.Path(temporary) / "phantom", "--region", "lumbar")
         shutil.copytree(source / "SE01", folder / "SE01")
         shutil.copy(source / "truth.json", folder)
         for number in SAGITTAL[1:] + AXIAL:
@@ -97,19 +98,19 @@ def play(program, folder):
     return done.stdout, seconds
 
 
-def axial_names(planes, phantom, number):
+def axial_names(planes, spine, number):
     """The oracle's name of each slice of a series that has one, by the slice's index."""
-    stack = sorted((s for s in phantom.slices if s.series == number), key=lambda s: -s.position[2])
-    names = [naming.name_of_slice(each.centre(), naming.vector32(each.normal), planes, phantom.names)[0]
+    stack = sorted((s for s in spine.slices if s.series == number), key=lambda s: -s.position[2])
+    names = [naming.name_of_slice(each.centre(), naming.vector32(each.normal), planes, spine.names)[0]
              for each in stack]
     return {index: name for index, name in enumerate(names) if name is not None}
 
 
-def differences_of(dump, vertices, phantom):
+def differences_of(dump, vertices, spine):
     """What of a dump is not as it must be, or not there."""
     yield from compare.misshapen(dump)
     where = dump["name"]
-    sagittal = sorted((s for s in phantom.slices if s.series == 1), key=lambda s: s.position[0])[7]
+    sagittal = sorted((s for s in spine.slices if s.series == 1), key=lambda s: s.position[0])[7]
     planes = naming.planes_of(vertices, 6, sagittal.to_patient)
     comparison = compare.Comparison()
     comparison.compare(f"{where}: curve", [list(v) for v in vertices], dump["plugin"]["openPolygonROI"]["points"])
@@ -126,7 +127,7 @@ def differences_of(dump, vertices, phantom):
             comparison.compare(f"{title}: labels", states.LUMBAR_VERTEBRAE, labels)
             continue
         found = {index: name for slices, name in named for index in slices}
-        expected = axial_names(planes, phantom, viewer["series"])
+        expected = axial_names(planes, spine, viewer["series"])
         if sum(len(slices) for slices, _ in named) != len(found) or len(expected) < 35:
             comparison.differ(title, "a name a slice", named)
         comparison.compare(title, [expected.get(i) for i in range(40)], [found.get(i) for i in range(40)])
@@ -140,7 +141,7 @@ def main():
     with tempfile.TemporaryDirectory(prefix="vertana-long-") as temporary:
         top = pathlib.Path(temporary)
         write_study(program, top / "study")
-        phantom = naming.Phantom(top / "study")
+        spine = naming.Phantom(top / "study")
         printed, seconds = [], []
         for turn in ("first", "second"):
             (top / turn).mkdir()
@@ -154,7 +155,7 @@ def main():
     if printed[0] != printed[1]:
         problems.append("two plays print different bytes")
     for line, vertices in zip(lines, at_dumps):
-        problems += differences_of(json.loads(line), vertices, phantom)
+        problems += differences_of(json.loads(line), vertices, spine)
     if limit is not None:
         busy, passed = min(seconds)
         print(f"{DRAGS} drags on 150 slices, {len(lines)} dumps: {busy:.2f} s of the processor (limit {limit:g} s), "

@@ -23,9 +23,10 @@ import subprocess
 import sys
 import tempfile
 
-import compare
-
 HERE = pathlib.Path(__file__).parent
+sys.path.insert(0, str(HERE.parent / "support"))
+import compare  # noqa: E402
+from phantoms import phantom  # noqa: E402
 
 
 def play(program, folder, name, database=None):
@@ -69,8 +70,7 @@ def spoil(data):
 
 def prepare(program, folder, action):
     if "phantom" in action:
-        subprocess.run([program, "phantom", "--out", str(folder / action["phantom"]), *action.get("options", [])],
-                       check=True, capture_output=True)
+        phantom(program, folder / action["phantom"], *action.get("options", []))
     elif "copy" in action:
         source = folder / action["copy"]
         (shutil.copytree if source.is_dir() else shutil.copy)(source, folder / action["to"])

@@ -11,6 +11,9 @@ import subprocess
 import sys
 import tempfile
 
+sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "support"))
+from phantoms import phantom  # noqa: E402
+
 OPEN = {"do": "openStudy", "path": "lumbar"}
 SHOW = {"do": "openViewer", "path": "lumbar", "series": 1}
 # Steps, exit status, the step that is refused (from 1) and a part of the sentence.
@@ -66,7 +69,7 @@ def main():
     with tempfile.TemporaryDirectory(prefix="vertana-refusals-") as temporary:
         folder = pathlib.Path(temporary)
         for name, options in (("lumbar", ["--region", "lumbar"]), ("neck", ["--region", "cervical", "--seed", "2"])):
-            subprocess.run([program, "phantom", "--out", str(folder / name), *options], check=True, capture_output=True)
+            phantom(program, folder / name, *options)
         (folder / "empty").mkdir()
         (folder / "text").write_text("no DICOM\n")
         for steps, status, step, part in ROWS:
