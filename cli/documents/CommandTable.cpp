@@ -1,5 +1,6 @@
 #include "cli/documents/CommandTable.h"
 
+#include <algorithm>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -10,15 +11,11 @@ namespace cli {
 
 namespace {
 
-std::vector<std::string> regionNames() {
-  std::vector<std::string> names;
-  for (const auto& [name, number] : regionsByName) names.push_back(name);
-  return names;
-}
-
-std::vector<std::string> formatNames() {
-  std::vector<std::string> names;
-  for (const auto& [name, format] : formatsByName) names.push_back(name);
+/// What may be written for a value, of a table by name.
+template <typename Meaning>
+std::vector<std::string> namesIn(const std::map<std::string, Meaning>& table) {
+  std::vector<std::string> names(table.size());
+  std::ranges::transform(table, names.begin(), [](const auto& entry) { return entry.first; });
   return names;
 }
 
@@ -31,8 +28,8 @@ const std::map<std::string, ValueFacts>& knownValues() {
     for (const char* name : {"N", "K", "OBJECT", "TERM", "X0,Y0,X1,Y1", "X0,Y0,X1,Y1,..."}) {
       values[name].kind = ValueKind::text;
     }
-    values["REGION"] = {"", ValueKind::words, regionNames()};
-    values["FORMAT"] = {"", ValueKind::words, formatNames()};
+    values["REGION"] = {"", ValueKind::words, namesIn(regionsByName)};
+    values["FORMAT"] = {"", ValueKind::words, namesIn(formatsByName)};
     for (auto& [name, facts] : values) facts.name = name;
     return values;
   }();

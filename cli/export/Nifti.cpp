@@ -15,7 +15,9 @@ using workstation::dot;
 using workstation::lengthOf;
 using workstation::normalized;
 using workstation::Vector3;
+// NOLINTBEGIN(misc-unused-using-decls): operators that are used, which the check does not see
 using workstation::operator*;
+// NOLINTEND(misc-unused-using-decls)
 
 namespace {
 

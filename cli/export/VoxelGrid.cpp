@@ -13,8 +13,10 @@ using workstation::normalized;
 using workstation::Result;
 using workstation::Stack;
 using workstation::Vector3;
+// NOLINTBEGIN(misc-unused-using-decls): operators that are used, which the check does not see
 using workstation::operator-;
 using workstation::operator*;
+// NOLINTEND(misc-unused-using-decls)
 
 namespace {
 
