@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ranges>
 #include <utility>
 
 #include "workstation/model/Host.h"
@@ -207,6 +208,7 @@ void Drawing::changeVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, 
 
 void Drawing::changeShape(const std::shared_ptr<Roi>& roi, const std::vector<PixelPoint>& to) {
   std::vector<MyPoint> points;
+  points.reserve(to.size());
   for (const PixelPoint& point : to) points.push_back(MyPoint::point(point));
   roi->setPoints(points);
   postChanged(roi, true);
@@ -238,8 +240,8 @@ bool Drawing::wouldHold(PixelPoint at) const {
 std::shared_ptr<Roi> Drawing::annotationWithinReach(PixelPoint at) const {
   const pelmar::ViewPoint pointer = view_.ConvertFromGL2NSView(at);
   const auto& entries = view_.lists().list(static_cast<std::size_t>(view_.curImage())).entries();
-  for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-    const auto roi = std::static_pointer_cast<Roi>(entry->shared());
+  for (const Ref<ROI>& entry : std::ranges::reverse_view(entries)) {
+    const auto roi = std::static_pointer_cast<Roi>(entry.shared());
     if (!roi->selectable() || roi->type() == pelmar::ROITypeText) continue;
     const std::vector<PixelPoint> line = lineOf(*roi);
     for (std::size_t index = 0; index < line.size(); ++index) {
