@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ranges>
 #include <utility>
 
 #include "workstation/model/Host.h"
@@ -237,19 +236,23 @@ bool Drawing::wouldHold(PixelPoint at) const {
   return vertexWithinReach(at).roi || (!view_.drawsWithLeftButton() && annotationWithinReach(at));
 }
 
+bool Drawing::isWithinReach(const Roi& roi, const pelmar::ViewPoint& pointer) const {
+  if (!roi.selectable() || roi.type() == pelmar::ROITypeText) return false;
+  const std::vector<PixelPoint> line = lineOf(roi);
+  for (std::size_t index = 0; index < line.size(); ++index) {
+    const pelmar::ViewPoint a = view_.ConvertFromGL2NSView(line[index > 0 ? index - 1 : 0]);
+    if (distanceToSegment(pointer, a, view_.ConvertFromGL2NSView(line[index])) <= lineReachPoints) return true;
+  }
+  return false;
+}
+
 std::shared_ptr<Roi> Drawing::annotationWithinReach(PixelPoint at) const {
   const pelmar::ViewPoint pointer = view_.ConvertFromGL2NSView(at);
   const auto& entries = view_.lists().list(static_cast<std::size_t>(view_.curImage())).entries();
-  for (const Ref<ROI>& entry : std::ranges::reverse_view(entries)) {
-    const auto roi = std::static_pointer_cast<Roi>(entry.shared());
-    if (!roi->selectable() || roi->type() == pelmar::ROITypeText) continue;
-    const std::vector<PixelPoint> line = lineOf(*roi);
-    for (std::size_t index = 0; index < line.size(); ++index) {
-      const pelmar::ViewPoint a = view_.ConvertFromGL2NSView(line[index > 0 ? index - 1 : 0]);
-      if (distanceToSegment(pointer, a, view_.ConvertFromGL2NSView(line[index])) <= lineReachPoints) return roi;
-    }
-  }
-  return nullptr;
+  const auto onTop = std::find_if(entries.rbegin(), entries.rend(), [&](const Ref<ROI>& entry) {
+    return isWithinReach(static_cast<const Roi&>(*entry.get()), pointer);
+  });
+  return onTop == entries.rend() ? nullptr : std::static_pointer_cast<Roi>(onTop->shared());
 }
 
 void Drawing::deselectOthers(const Roi* but) {

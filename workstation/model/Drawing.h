@@ -55,6 +55,8 @@ class Drawing {
   /// The selectable annotation of the shown slice whose line passes the pixel within reach, the uppermost one; null
   /// when there is none. Texts are passed over: their place is not the person's to choose.
   std::shared_ptr<Roi> annotationWithinReach(pelmar::PixelPoint at) const;
+  /// Whether it is one of those that annotationWithinReach looks for; `pointer` as the view has it.
+  bool isWithinReach(const Roi& roi, const pelmar::ViewPoint& pointer) const;
   /// Ends the selection of every annotation of the shown slice but this one; null: of all.
   void deselectOthers(const Roi* but);
   /// Where the pointer was last.
