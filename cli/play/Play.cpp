@@ -6,7 +6,7 @@
 
 #include "cli/Console.h"
 #include "cli/play/Player.h"
-#include "cli/play/Script.h"
+#include "cli/play/ScriptReader.h"
 
 namespace cli {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "cli/play/OpenedStudies.h"
-#include "cli/play/Script.h"
+#include "cli/play/ScriptReader.h"
 #include "workstation/session/Session.h"
 
 namespace cli {

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "cli/play/Player.h"
-#include "cli/play/StepWords.h"
+#include "workstation/script/StepWords.h"
 
 namespace cli {
 

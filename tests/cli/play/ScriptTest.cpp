@@ -1,4 +1,4 @@
-#include "cli/play/Script.h"
+#include "cli/play/ScriptReader.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "cli/play/Script.h"
+#include "cli/play/ScriptReader.h"
 
 namespace cli {
 namespace {

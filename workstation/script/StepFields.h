@@ -3,9 +3,9 @@
 //   visitor.required(key, value), visitor.optional(key, optional value), or visitor.defaulted(key, value).
 // After the visit, `wrong(step)` tells the first rule between keys that a step breaks.
 
-#include "cli/play/Script.h"
+#include "workstation/script/Script.h"
 
-namespace cli {
+namespace workstation::script {
 
 /// A key, and what is wrong with it: a phrase that follows its name.
 struct WrongKey {
@@ -196,4 +196,4 @@ std::optional<WrongKey> wrong(const Step&) {
   return std::nullopt;
 }
 
-}  // namespace cli
+}  // namespace workstation::script

@@ -1,12 +1,12 @@
-#include "cli/play/Script.h"
+#include "cli/play/ScriptReader.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "cli/play/StepFields.h"
-#include "cli/play/StepWords.h"
 #include "cli/play/StrictJson.h"
+#include "workstation/script/StepFields.h"
+#include "workstation/script/StepWords.h"
 #include "workstation/session/JsonValues.h"
 
 namespace cli {
@@ -215,22 +215,6 @@ Problem readTop(const std::string& key, const ordered_json& value, Script& scrip
 
 }  // namespace
 
-std::string stepName(const Step& step) {
-  return std::visit([](const auto& kind) { return std::string(kind.word); }, step);
-}
-
-namespace {
-
-std::string placeOf(const Script& script, std::size_t index) {
-  return "Step " + std::to_string(index + 1) + " of " + std::to_string(script.steps.size());
-}
-
-}  // namespace
-
-std::string stepTitle(const Script& script, std::size_t index) {
-  return placeOf(script, index) + ", \"" + stepName(script.steps[index]) + '"';
-}
-
 Expected<Script> readScript(const std::string& text) {
   const auto json = parseStrictly(text, "The script");
   if (!json) return json.failure;
@@ -243,7 +227,7 @@ Expected<Script> readScript(const std::string& text) {
   if (!json->contains("steps")) return Failure{ExitUsage, "In the script \"steps\" is missing."};
   for (std::size_t index = 0; index < script.steps.size(); ++index) {
     if (const auto problem = readStep((*json)["steps"][index], script.steps[index]))
-      return Failure{ExitUsage, placeOf(script, index) + ": " + *problem + "."};
+      return Failure{ExitUsage, stepPlace(script, index) + ": " + *problem + "."};
   }
   return script;
 }

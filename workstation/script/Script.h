@@ -1,20 +1,18 @@
 #pragma once
 // A session script: what a person at the window would do, written down as one JSON object
 //   {"database": DIR, "defaults": {...}, "host": {"version": ..., "lacks": [...]}, "steps": [{"do": NAME, ...}, ...]}
-// of which only "steps" must be there. Reading is strict: an unknown name or key, a key that is named twice or missing,
-// and a value of another type are refused, so that a script that is read means what it says.
+// of which only "steps" must be there. Here it is a value and is written; the command reads and plays it.
 
 #include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
-#include "cli/ExitStatus.h"
 #include "host/Geometry.h"
 #include "host/Value.h"
 #include "workstation/model/Workstation.h"
 
-namespace cli {
+namespace workstation::script {
 
 // Viewers are numbered in the order opened, from 0; slices and vertices count from 0; points are pixels of the slice.
 
@@ -99,7 +97,7 @@ struct RotateStep {
 struct FlipStep {
   static constexpr const char* word = "flip";
   int viewer = 0;
-  workstation::FlipAxis axis = workstation::FlipAxis::horizontal;
+  FlipAxis axis = FlipAxis::horizontal;
 };
 struct UndoStep {
   static constexpr const char* word = "undo";
@@ -167,20 +165,18 @@ struct Script {
   std::optional<std::string> database;
   pelmar::Value::Dictionary defaults;
   std::string hostVersion = "9.0";
-  std::vector<std::string> hostLacks;  ///< names that workstation::capabilityNamed knows
+  std::vector<std::string> hostLacks;  ///< names that capabilityNamed knows
   std::vector<Step> steps;
 };
 
 /// The step's name in a script: "openStudy".
 std::string stepName(const Step& step);
-/// The step in messages: `Step 3 of 7, "draw"`; `index` counts from 0.
+/// Where a step stands, in messages: `Step 3 of 7`; `index` counts from 0.
+std::string stepPlace(const Script& script, std::size_t index);
+/// The same with its name: `Step 3 of 7, "draw"`.
 std::string stepTitle(const Script& script, std::size_t index);
 
-/// Reads a script. Refused with one sentence: text that is not JSON is unreadable, what is wrong with a script that is
-/// JSON is wrong usage and is told with the number of the step, counted from 1, and the key.
-Expected<Script> readScript(const std::string& text);
-
-/// The script as text that readScript reads back as the same, one step a line.
+/// The script as text, one step a line. Numbers read back to the same values.
 std::string writeScript(const Script& script);
 
-}  // namespace cli
+}  // namespace workstation::script

@@ -3,9 +3,9 @@
 #include <utility>
 #include <vector>
 
-#include "cli/play/Script.h"
+#include "workstation/script/Script.h"
 
-namespace cli {
+namespace workstation::script {
 
 // The words of a script for choices.
 template <class Choice>
@@ -19,9 +19,8 @@ inline const Words<NamedRoi>& words(NamedRoi) {
   static const Words<NamedRoi> all{{"curve", NamedRoi::curve}, {"input", NamedRoi::input}};
   return all;
 }
-inline const Words<workstation::FlipAxis>& words(workstation::FlipAxis) {
-  static const Words<workstation::FlipAxis> all{{"horizontal", workstation::FlipAxis::horizontal},
-                                                {"vertical", workstation::FlipAxis::vertical}};
+inline const Words<FlipAxis>& words(FlipAxis) {
+  static const Words<FlipAxis> all{{"horizontal", FlipAxis::horizontal}, {"vertical", FlipAxis::vertical}};
   return all;
 }
 inline const Words<PaletteButton>& words(PaletteButton) {
@@ -32,4 +31,4 @@ inline const Words<PaletteButton>& words(PaletteButton) {
   return all;
 }
 
-}  // namespace cli
+}  // namespace workstation::script

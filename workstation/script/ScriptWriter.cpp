@@ -1,10 +1,10 @@
 // The script as text.
-#include "cli/play/Script.h"
-#include "cli/play/StepFields.h"
-#include "cli/play/StepWords.h"
+#include "workstation/script/Script.h"
+#include "workstation/script/StepFields.h"
+#include "workstation/script/StepWords.h"
 #include "workstation/session/JsonValues.h"
 
-namespace cli {
+namespace workstation::script {
 
 using nlohmann::ordered_json;
 
@@ -75,10 +75,22 @@ std::string textOf(const Step& step) {
 
 }  // namespace
 
+std::string stepName(const Step& step) {
+  return std::visit([](const auto& kind) { return std::string(kind.word); }, step);
+}
+
+std::string stepPlace(const Script& script, std::size_t index) {
+  return "Step " + std::to_string(index + 1) + " of " + std::to_string(script.steps.size());
+}
+
+std::string stepTitle(const Script& script, std::size_t index) {
+  return stepPlace(script, index) + ", \"" + stepName(script.steps[index]) + '"';
+}
+
 std::string writeScript(const Script& script) {
   std::string text = "{";
   if (script.database) text += "\"database\": " + textOf(*script.database) + ",\n ";
-  if (!script.defaults.empty()) text += "\"defaults\": " + textOf(workstation::jsonFromValue(script.defaults)) + ",\n ";
+  if (!script.defaults.empty()) text += "\"defaults\": " + textOf(jsonFromValue(script.defaults)) + ",\n ";
   const ordered_json host{{"version", script.hostVersion}, {"lacks", script.hostLacks}};
   text += "\"host\": " + textOf(host) + ",\n \"steps\": [";
   for (std::size_t index = 0; index < script.steps.size(); ++index) {
@@ -87,4 +99,4 @@ std::string writeScript(const Script& script) {
   return text + "\n]}\n";
 }
 
-}  // namespace cli
+}  // namespace workstation::script
