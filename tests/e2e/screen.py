@@ -111,13 +111,14 @@ class Screen:
             time.sleep(0.3)
         return None
 
-    def drag(self, points):
+    def drag(self, points, let_go=True):
         self.do("mousemove", *points[0], "mousedown", 1)
         for point in points[1:]:
             time.sleep(0.03)
             self.do("mousemove", *point)
         time.sleep(0.05)
-        self.do("mouseup", 1)
+        if let_go:
+            self.do("mouseup", 1)
 
     def window(self, title):
         """(x, y, width, height) of the window with that title; None when none is seen."""
