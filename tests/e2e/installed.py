@@ -1,8 +1,10 @@
 #!/usr/bin/python3
 """What `cmake --install` puts into a folder works there, away from the build.
 
-usage: installed.py VERTANA CMAKE BUILD_FOLDER
+usage: installed.py VERTANA CMAKE BUILD_FOLDER SOURCE_FOLDER
 """
+import configparser
+import os
 import pathlib
 import subprocess
 import sys
@@ -10,27 +12,57 @@ import tempfile
 
 from program import Checks, Run, phantom
 
+COMMAND = ["bin/vertana", "lib/Vertana.plugin/Resources/VertanaWindowController.json", "lib/Vertana.plugin/Vertana.so",
+           "lib/Vertana.plugin/manifest.json", "share/bash-completion/completions/vertana", "share/man/man1/vertana.1"]
+PAINTING = ["lib/libvertana_render.so"]
+WINDOW = ["bin/vertana-workstation", "share/applications/vertana-workstation.desktop"]
+MANUAL = "share/doc/vertana/manual"
+
+
+def wanted_files(source, build):
+    """What is installed of what could be built here."""
+    wanted = list(COMMAND)
+    if (build / "lib" / "libvertana_render.so").exists():
+        wanted += PAINTING
+    if (build / "bin" / "vertana-workstation").exists():
+        pages = source / "docs" / "manual"
+        wanted += WINDOW + [f"{MANUAL}/{path.relative_to(pages)}" for path in pages.rglob("*") if path.is_file()]
+    return sorted(wanted)
+
+
+def check_window(checks, prefix):
+    program = prefix / "bin" / "vertana-workstation"
+    done = subprocess.run([program, "--manual"], env=dict(os.environ, QT_QPA_PLATFORM="offscreen"), text=True,
+                          capture_output=True, check=False)
+    checks.that(done.stdout == f"{prefix / MANUAL / 'index.html'}\n", f"the window finds the manual: {done}")
+    entry = configparser.ConfigParser(interpolation=None)
+    entry.read(prefix / WINDOW[1])
+    desktop = entry["Desktop Entry"]
+    checks.that(desktop["Type"] == "Application" and desktop["Name"], "the desktop's menu has an entry")
+    checks.that(desktop["Exec"] == f"{program.name} %F", "which starts the window with what is dropped on it")
+
 
 def main():
-    cmake, build = sys.argv[2:]
+    cmake = sys.argv[2]
+    build, source = map(pathlib.Path, sys.argv[3:])
     checks = Checks()
     with tempfile.TemporaryDirectory(prefix="vertana-e2e-") as temporary:
         top = pathlib.Path(temporary)
-        done = subprocess.run([cmake, "--install", build, "--prefix", top / "prefix"], capture_output=True, text=True,
+        prefix = top / "prefix"
+        done = subprocess.run([cmake, "--install", build, "--prefix", prefix], capture_output=True, text=True,
                               check=False)
         checks.that(done.returncode == 0, f"it is installed: {done.stderr}")
-        files = sorted(str(path.relative_to(top / "prefix")) for path in (top / "prefix").rglob("*") if path.is_file())
-        wanted = ["bin/vertana", "lib/Vertana.plugin/Resources/VertanaWindowController.json",
-                  "lib/Vertana.plugin/Vertana.so", "lib/Vertana.plugin/manifest.json",
-                  "share/bash-completion/completions/vertana", "share/man/man1/vertana.1"]
-        checks.that([file for file in files if file != "lib/libvertana_render.so"] == wanted, f"these files: {files}")
-        program = str(top / "prefix" / "bin" / "vertana")
+        files = sorted(str(path.relative_to(prefix)) for path in prefix.rglob("*") if path.is_file())
+        checks.that(files == wanted_files(source, build), f"these files: {files}")
+        program = str(prefix / "bin" / "vertana")
         study = phantom(program, top / "study", "--region", "lumbar")
         run = Run(program, ["label", study, "--line", "165,35,160,275"])
         checks.that(run.status == 0 and "L4-L5" in run.out and not run.messages, "it finds the plug-in", run)
-        if (pathlib.Path(build) / "lib" / "libvertana_render.so").exists():
+        if PAINTING[0] in files:
             run = Run(program, ["render", study, "--out", top / "pictures"])
             checks.that(run.status == 0 and len(run.out.splitlines()) == 3, "and the painting", run)
+        if WINDOW[0] in files:
+            check_window(checks, prefix)
     checks.finish()
 
 

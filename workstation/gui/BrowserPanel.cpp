@@ -65,7 +65,7 @@ BrowserPanel::BrowserPanel(Desk& desk, QWidget* parent) : QWidget(parent), desk_
   empty_->setForegroundRole(QPalette::PlaceholderText);
   layout->addWidget(empty_);
   makeProgress(*layout);
-  setMinimumWidth(250);
+  setMinimumWidth(290);
   connect(search_, &QLineEdit::textChanged, this, [this] { refill(); });
   connect(tree_, &QTreeWidget::itemActivated, this, [this](QTreeWidgetItem* item) { opened(item); });
   connect(tree_, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* item) { fillStudy(*item); });

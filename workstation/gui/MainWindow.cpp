@@ -1,7 +1,6 @@
 #include "workstation/gui/MainWindow.h"
 
 #include <QCloseEvent>
-#include <QDesktopServices>
 #include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QMimeData>
@@ -16,7 +15,10 @@
 namespace workstation {
 
 MainWindow::MainWindow(Desk& desk, QSettings& settings, std::filesystem::path database)
-    : desk_(desk), settings_(settings), database_(std::move(database)) {
+    : desk_(desk), settings_(settings), database_(std::move(database)), pages_([this](const std::string& sentence) {
+        desk_.tell(sentence);
+        scheduleRefresh(false);
+      }) {
   setWindowTitle("Vertana workstation");
   setAcceptDrops(true);
   canvasOptions_.texts = settings_.value("view/texts", true).toBool();
@@ -91,11 +93,7 @@ void MainWindow::connectDesk() {
     QMetaObject::invokeMethod(
         this, [this] { activateWindow(); }, Qt::QueuedConnection);
   };
-  desk_.hooks().openAddress = [this](const std::string& address) {
-    if (!QDesktopServices::openUrl(QUrl(QString::fromStdString(address))))
-      desk_.tell("The address " + address + " could not be opened: no browser answers.");
-    scheduleRefresh(false);
-  };
+  desk_.hooks().openAddress = [this](const std::string& address) { pages_.open(address); };
 }
 
 void MainWindow::scheduleRefresh(bool everything) {

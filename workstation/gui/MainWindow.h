@@ -15,6 +15,7 @@
 #include "workstation/gui/BrowserPanel.h"
 #include "workstation/gui/Desk.h"
 #include "workstation/gui/MessageBar.h"
+#include "workstation/gui/PageOpener.h"
 #include "workstation/gui/PaletteWidget.h"
 #include "workstation/gui/ViewerGrid.h"
 
@@ -136,6 +137,7 @@ class MainWindow final : public QMainWindow {
   std::set<std::string> studiesShown_;  ///< every study that was in a viewer: their labellings must be saved at the end
   std::vector<std::filesystem::path> foldersToOpen_;
   std::unique_ptr<BackgroundTask> task_;
+  PageOpener pages_;
 };
 
 }  // namespace workstation

@@ -188,6 +188,7 @@ void MainWindow::makePluginMenu() {
 void MainWindow::makeHelpMenu() {
   auto* menu = menuBar()->addMenu("&Help");
   addAction(menu, "&Keyboard and mouse", QKeySequence("F1"), [this] { ShortcutSheet(this).exec(); });
+  addAction(menu, "&Manual", QKeySequence("Shift+F1"), [this] { pages_.openManual(); });
 }
 
 void MainWindow::chooseMenu(const std::string& title) {

@@ -51,7 +51,8 @@ const std::vector<Section>& sections() {
         {"Ctrl+O, Ctrl+I", "open a folder, import one"},
         {"Ctrl+W", "close the front viewer"},
         {"Ctrl+T, Ctrl+E", "texts, reference lines on and off"},
-        {"Right click", "menu of the viewer"}}}};
+        {"Right click", "menu of the viewer"},
+        {"F1, Shift+F1", "this sheet, the manual"}}}};
   return all;
 }
 

@@ -6,8 +6,10 @@
 #include <QStandardPaths>
 #include <clocale>
 #include <filesystem>
+#include <iostream>
 
 #include "workstation/gui/MainWindow.h"
+#include "workstation/gui/PageOpener.h"
 #include "workstation/gui/Theme.h"
 #include "workstation/gui/WidgetPrompts.h"
 
@@ -19,6 +21,7 @@ struct Arguments {
   std::vector<fs::path> studies;
   fs::path database;
   bool import = false;
+  bool manual = false;
 };
 
 Arguments argumentsOf(const QApplication& application) {
@@ -32,13 +35,15 @@ Arguments argumentsOf(const QApplication& application) {
   const QCommandLineOption import("import", "Copy the studies into the database instead.");
   const QString place = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/vertana/database";
   const QCommandLineOption database("database", "The database folder (" + place + ").", "DIR", place);
-  parser.addOptions({import, database});
+  const QCommandLineOption manual("manual", "Print where the manual is, and end.");
+  parser.addOptions({import, database, manual});
   parser.addPositionalArgument("STUDY", "A folder of DICOM files.", "[STUDY...]");
   parser.process(application);
   Arguments arguments;
   for (const QString& study : parser.positionalArguments()) arguments.studies.emplace_back(study.toStdString());
   arguments.database = parser.value(database).toStdString();
   arguments.import = parser.isSet(import);
+  arguments.manual = parser.isSet(manual);
   return arguments;
 }
 
@@ -51,6 +56,10 @@ int main(int count, char** values) {
   QApplication::setApplicationName("vertana-workstation");
   QApplication::setApplicationVersion(VERTANA_VERSION);
   const Arguments arguments = argumentsOf(application);
+  if (arguments.manual) {
+    std::cout << workstation::manualPage().string() << '\n';
+    return 0;
+  }
   workstation::useTheme(application);
 
   QSettings settings("vertana", "workstation");

@@ -120,14 +120,5 @@ TEST_F(Palette, TellsTheModelWhereThePersonMovesIt) {
   EXPECT_NEAR(after.y - before.y, -25, 1);
 }
 
-TEST_F(Palette, OpensTheHelpInTheBrowserOfThePerson) {
-  open();
-  std::string address;
-  desk_->hooks().openAddress = [&](const std::string& opened) { address = opened; };
-  window_->palette().button("openHelp:")->click();
-  settle();
-  EXPECT_NE(address, "");
-}
-
 }  // namespace
 }  // namespace workstation::test
