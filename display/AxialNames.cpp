@@ -117,8 +117,9 @@ std::optional<std::string> VertanaFilter::nameForSlice(const Ref<DCMPix>& slice,
       return planes[static_cast<std::size_t>(choice.index)].name;
     case SliceNameKind::Vertebra: {
       const auto vertebrae = currentVertebraeLabels();
-      if (choice.index < 0 || static_cast<std::size_t>(choice.index) >= vertebrae.size()) return std::nullopt;
-      return vertebrae[static_cast<std::size_t>(choice.index)];
+      const auto number = static_cast<std::size_t>(choice.index);
+      if (number >= vertebrae.size()) return std::nullopt;
+      return vertebrae[number];
     }
     case SliceNameKind::UpperVertebra:
       return labelOfRegion(upperVertebraeLabels(), anatomicalRegion());
