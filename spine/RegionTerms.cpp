@@ -54,6 +54,7 @@ std::vector<RegionTerms> regionTermsFromValue(const Value& stored) {
 Value listWithTermUnderRegion(const Value& stored, const std::string& term, long region) {
   Value::Array list;
   if (!stored.array()) return list;
+  const Value filed(term);
   for (const auto& entry : *stored.array()) {
     const auto* record = entry.dictionary();
     if (!record) {
@@ -63,9 +64,9 @@ Value listWithTermUnderRegion(const Value& stored, const std::string& term, long
     Value::Array terms;
     for (const auto& known : termsOf(*record)) {
       const bool repeated = std::find(terms.begin(), terms.end(), known) != terms.end();
-      if (known != Value(term) && !repeated) terms.push_back(known);
+      if (known != filed && !repeated) terms.push_back(known);
     }
-    if (regionOf(*record) == region) terms.emplace_back(term);
+    if (regionOf(*record) == region) terms.push_back(filed);
     list.push_back(recordOf(regionOf(*record), std::move(terms)));
   }
   return list;
