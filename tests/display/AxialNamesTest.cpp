@@ -57,6 +57,23 @@ TEST_F(AxialNames, endsAreNamedByTheRegion) {
   }
 }
 
+TEST_F(AxialNames, regionOfAnotherProgramNamesTheDiscsAlone) {
+  // A stored labelling may tell a region that has no vertebrae here.
+  filter.setAnatomicalRegion(7);
+  holdLumbarPlanes();
+  EXPECT_EQ(nameAtZ(90), Name("T12-L1"));
+  EXPECT_EQ(nameAtZ(75), std::nullopt) << "half way to the next disc";
+  EXPECT_EQ(nameAtZ(105), std::nullopt) << "beyond the first disc";
+  EXPECT_EQ(nameAtZ(-75), std::nullopt) << "beyond the last disc";
+}
+
+TEST_F(AxialNames, gapBeyondTheVertebraeOfTheRegionHasNoName) {
+  filter.setAnatomicalRegion(AnatomicalRegionNone);  // its one vertebra is the empty text
+  holdLumbarPlanes();
+  EXPECT_EQ(nameAtZ(75), Name(""));
+  EXPECT_EQ(nameAtZ(45), std::nullopt);
+}
+
 TEST_F(AxialNames, withoutPlanesThereIsNoName) {
   EXPECT_EQ(nameAtZ(0), std::nullopt);
   filter.setIntervertebralPlanes(std::vector<IntervertebralPlane>{});

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 #include <string>
 
 namespace vertana {
@@ -10,6 +11,8 @@ namespace {
 
 using pelmar::PixelPoint;
 using pelmar::Vector3f;
+
+constexpr float noNumber = std::numeric_limits<float>::quiet_NaN();
 
 struct SideRow {
   std::string name;
@@ -43,7 +46,14 @@ INSTANTIATE_TEST_SUITE_P(
                       SideRow{"SmallAcross", {0.15F, 0.1F, 0.1F}, 0},
                       SideRow{"SmallAlongTheBody", {0.1F, 0.1F, 0.15F}, 0}, SideRow{"TieOfXAndY", {0.7F, 0.7F, 0}, 1},
                       SideRow{"TieOfYAndZ", {0, 0.7F, 0.7F}, 1}, SideRow{"TieOfXAndZ", {0.7F, 0, 0.7F}, 0},
-                      SideRow{"TieOfAllThree", {0.58F, 0.58F, 0.58F}, 1}),
+                      SideRow{"TieOfAllThree", {0.58F, 0.58F, 0.58F}, 1},
+                      SideRow{"MostlyFrontToBackButAlsoAcross", {0.3F, 0.9F, 0}, 1},
+                      SideRow{"MostlyFrontToBackButAlsoAlongTheBody", {0, 0.9F, 0.3F}, 1},
+                      // What is no number is neither larger than another component nor smaller.
+                      SideRow{"AcrossIsNoNumber", {noNumber, 0, 0.9F}, 0},
+                      SideRow{"FrontToBackIsNoNumberAndMostlyAcross", {0.9F, noNumber, 0}, 0},
+                      SideRow{"FrontToBackIsNoNumberAndMostlyAlongTheBody", {0, noNumber, 0.9F}, 0},
+                      SideRow{"AlongTheBodyIsNoNumber", {0, 0.9F, noNumber}, 0}),
     [](const auto& tested) { return tested.param.name; });
 
 TEST(LabelDistance, byRegionInMillimetres) {

@@ -201,7 +201,25 @@ TEST_F(VertebraLabels, whenNoRegionIsSetLabelsSitOnTheSpineItself) {
   EXPECT_EQ(originsOn(sagittal), (Points{{100, 20}}));
 }
 
+TEST_F(VertebraLabels, whenNoRegionIsSetTheCurvesOnePlaneIsEnoughForALabel) {
+  // Without a region there is one disc, and so one plane for the curve's two vertices.
+  filter.setAnatomicalRegion(AnatomicalRegionNone);
+  curveThrough({{100, 0}, {100, 40}});
+  ASSERT_EQ(filter.intervertebralPlanes()->size(), 1U);
+  filter.createLabelsOnView(sagittal->view);
+  EXPECT_EQ(namesOn(sagittal), Lines{""});
+  EXPECT_EQ(originsOn(sagittal), (Points{{100, 20}}));
+}
+
 // --- more or fewer gaps than labels ---
+
+TEST_F(VertebraLabels, gapWhoseLowerPlaneIsMissingIsPlacedByTheUpperOneAlone) {
+  curveThrough({{100, 0}, {100, 40}, {100, 80}});
+  filter.setIntervertebralPlanes({{plane("a", {-4, -100, 200}), plane("b", {-4, -100, 160})}});
+  filter.createLabelsOnView(sagittal->view);
+  // The normals are (0, 1) and, of the third plane, nothing: their mean is half as long, and so is the distance.
+  EXPECT_EQ(originsOn(sagittal), (Points{{70, 20}, {85, 60}}));
+}
 
 TEST_F(VertebraLabels, singleAnchorGetsNoLabelButTheOldOnesAreDeleted) {
   const auto old = host.addROI(13, sagittal, 2, {}, {"VertanaFilterLabel"});

@@ -73,6 +73,14 @@ TEST_F(SpineCurve, resampledPolygonDrawnFromTheFeetIsReversed) {
   EXPECT_EQ(curvePoints(), downFromHead({0, 1, 2, 3, 4, 5}));
 }
 
+TEST_F(SpineCurve, finishedPolygonWhoseSplineTheHostDoesNotGiveLeavesNoPoints) {
+  const auto polygon = inputPolygon(threePoints);
+  polygon->splineOverride = std::vector<pelmar::MyPoint>();
+  filter.createOpenPolygon();
+  EXPECT_TRUE(filter.openPolygonROI());
+  EXPECT_TRUE(curvePoints().empty());
+}
+
 TEST_F(SpineCurve, polygonBeingEditedCountsAsFinished) {
   inputPolygon(threePoints, pelmar::ROIModeEditing, 0.5F);
   holdForeignPlane();

@@ -98,19 +98,21 @@ TEST_P(VersionRule, joinsTheFirstTwoPartsAndWantsMoreThan89) {
 }
 
 // A text that begins with no digit reads as 0; one that begins with digits reads as these, of which the low 32 bits
-// count: 2147483648 is then the least negative number but all, 4294967297 is 1 and 4294967395 is 99.
-INSTANTIATE_TEST_SUITE_P(Table, VersionRule,
-                         ::testing::Values(Version{"9.0", true}, Version{"9.0.1", true}, Version{"8.9", false},
-                                           Version{"8.5", false}, Version{"8.10", true}, Version{"10.2", true},
-                                           Version{"10.0", true}, Version{"9", true}, Version{"8", true},
-                                           Version{"", true}, Version{std::nullopt, true}, Version{"8.9.9", false},
-                                           Version{"0.90", true}, Version{".90", true}, Version{".", false},
-                                           Version{"9.", false}, Version{"90.", true}, Version{"beta.9", false},
-                                           Version{"9.beta", false}, Version{"90.beta", true},
-                                           Version{"nine.zero", false}, Version{"nine", true}, Version{"-9.5", false},
-                                           Version{" +9.5", true}, Version{"21474836.47", true},
-                                           Version{"21474836.48", false}, Version{"42949672.97", false},
-                                           Version{"42949673.95", true}, Version{"99999999999999999999.9", false}));
+// count: 2147483648 is then the least negative number but all, 4294967297 is 1 and 4294967395 is 99. Beyond 64 bits a
+// number stops at the limit: -1 in the low 32 bits of the largest, 0 in those of the smallest. Of two signs the second
+// is no digit.
+INSTANTIATE_TEST_SUITE_P(
+    Table, VersionRule,
+    ::testing::Values(Version{"9.0", true}, Version{"9.0.1", true}, Version{"8.9", false}, Version{"8.5", false},
+                      Version{"8.10", true}, Version{"10.2", true}, Version{"10.0", true}, Version{"9", true},
+                      Version{"8", true}, Version{"", true}, Version{std::nullopt, true}, Version{"8.9.9", false},
+                      Version{"0.90", true}, Version{".90", true}, Version{".", false}, Version{"9.", false},
+                      Version{"90.", true}, Version{"beta.9", false}, Version{"9.beta", false},
+                      Version{"90.beta", true}, Version{"nine.zero", false}, Version{"nine", true},
+                      Version{"-9.5", false}, Version{" +9.5", true}, Version{"21474836.47", true},
+                      Version{"21474836.48", false}, Version{"42949672.97", false}, Version{"42949673.95", true},
+                      Version{"99999999999999999999.9", false}, Version{"-99999999999999999999.9", false},
+                      Version{"+-9.5", false}, Version{"-+9.5", false}, Version{" . ", false}));
 
 // --- localisation ---
 

@@ -43,6 +43,21 @@ TEST_F(RoiNotification, anObjectOfAnotherClassHasNone) {
   EXPECT_FALSE(filter.ROIFromNotification({"n", {}, Value::Dictionary{{"ROI", roi}}}));
 }
 
+TEST_F(RoiNotification, withoutAnAnnotationNothingHappens) {
+  drawLine();
+  host.calls.clear();
+  for (const auto& name :
+       {pelmar::PelmarAddROINotification, pelmar::PelmarROIChangeNotification, pelmar::PelmarRemoveROINotification}) {
+    host.post(name);
+    host.post(name, sagittal->view);
+    host.post(name, sagittal->view, Value::Dictionary{{"ROI", sagittal}, {"action", "mouseUp"}});
+    host.post(name, sagittal, Value::Dictionary{{"ROI", filter.openPolygonROI()}, {"action", "mouseUp"}});
+  }
+  EXPECT_TRUE(host.calls.lines().empty());
+  EXPECT_TRUE(filter.openPolygonROI());
+  EXPECT_TRUE(filter.intervertebralPlanes());
+}
+
 // --- Adding: adoption as input ---
 
 TEST_F(RoiNotification, aLineOnTheVerticalViewerIsAdopted) {

@@ -204,17 +204,18 @@ TEST_P(SliceNormal, decidesWhetherTheSliceIsAxial) {
 // 0.2 in single precision is 0.200000003, which is above 0.2 once widened: it counts as larger.
 INSTANTIATE_TEST_SUITE_P(
     Rows, SliceNormal,
-    ::testing::Values(NormalRow{"tieOfXAndZGoesToX", 0.6, 0.0, 0.6, false},
-                      NormalRow{"tooShort", 0.0, 0.0, 0.15, false}, NormalRow{"mostlyZ", 0.1, 0.3, 0.95, true},
-                      NormalRow{"tieOfYAndZGoesToY", 0.0, 0.7, 0.7, false},
-                      NormalRow{"tieOfAllGoesToX", 0.577, 0.577, 0.577, false},
-                      NormalRow{"straightDown", 0, 0, -1, true}, NormalRow{"straightUp", 0, 0, 1, true},
-                      NormalRow{"sagittal", 1, 0, 0, false}, NormalRow{"sagittalBackwards", -1, 0, 0, false},
-                      NormalRow{"coronal", 0, -1, 0, false}, NormalRow{"noOrientation", 0, 0, 0, false},
-                      NormalRow{"twoTenthsIsAboveInSinglePrecision", 0, 0, 0.2, true},
-                      NormalRow{"justBelowTwoTenths", 0, 0, 0.19999, false},
-                      NormalRow{"negativeComponentsCountByMagnitude", -0.8, 0.1, 0.5, false},
-                      NormalRow{"tieOnlyInSinglePrecision", 0.70000000001, 0, 0.70000000002, false}),
+    ::testing::Values(
+        NormalRow{"tieOfXAndZGoesToX", 0.6, 0.0, 0.6, false}, NormalRow{"tooShort", 0.0, 0.0, 0.15, false},
+        NormalRow{"mostlyZ", 0.1, 0.3, 0.95, true}, NormalRow{"tieOfYAndZGoesToY", 0.0, 0.7, 0.7, false},
+        NormalRow{"tieOfAllGoesToX", 0.577, 0.577, 0.577, false}, NormalRow{"straightDown", 0, 0, -1, true},
+        NormalRow{"straightUp", 0, 0, 1, true}, NormalRow{"sagittal", 1, 0, 0, false},
+        NormalRow{"sagittalBackwards", -1, 0, 0, false}, NormalRow{"coronal", 0, -1, 0, false},
+        NormalRow{"noOrientation", 0, 0, 0, false}, NormalRow{"twoTenthsIsAboveInSinglePrecision", 0, 0, 0.2, true},
+        NormalRow{"justBelowTwoTenths", 0, 0, 0.19999, false},
+        NormalRow{"negativeComponentsCountByMagnitude", -0.8, 0.1, 0.5, false},
+        NormalRow{"tieOnlyInSinglePrecision", 0.70000000001, 0, 0.70000000002, false},
+        NormalRow{"mostlyZThenX", 0.3, 0.1, 0.95, true}, NormalRow{"mostlyXButTooShort", 0.15, 0.1, 0.05, false},
+        NormalRow{"mostlyYButTooShort", 0.05, 0.15, 0.1, false}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(SliceNormalOfNoImage, isNotAxial) { EXPECT_FALSE(vertana::isAxial({})); }

@@ -29,6 +29,24 @@ TEST_F(SavedState, currentStateHoldsRegionFlagAndPlanes) {
   expectVector(pelmar::ref_cast<pelmar::Point3D>(record.at("vector").object()), 0, 0, -1, 0);
 }
 
+TEST_F(SavedState, planeIsStoredByWhatItHas) {
+  const auto point = testhost::makePoint(1, 2, 3);
+  filter.setIntervertebralPlanes(
+      {{IntervertebralPlane{"L1-L2", point, {}}, IntervertebralPlane{"L2-L3", {}, point}, IntervertebralPlane{}}});
+  filter.saveCurrentState();
+  ASSERT_TRUE(filter.savedState());
+  const auto records = *filter.savedState()->at("intervertebralPlanes").array();
+  ASSERT_EQ(records.size(), 3U);
+  const auto keysOf = [](const Value& record) {
+    Lines keys;
+    for (const auto& entry : *record.dictionary()) keys.push_back(entry.first);
+    return keys;
+  };
+  EXPECT_EQ(keysOf(records[0]), (Lines{"name", "point"}));
+  EXPECT_EQ(keysOf(records[1]), (Lines{"name", "vector"}));
+  EXPECT_EQ(keysOf(records[2]), Lines{"name"});
+}
+
 TEST_F(SavedState, reportCarriesDescriptionNumberAndAnImageOfTheStudyAndIsImported) {
   filter.saveEmptyState();
   ASSERT_EQ(host.reports.made.size(), 1U);
