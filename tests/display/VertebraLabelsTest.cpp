@@ -25,6 +25,11 @@ TEST_F(VertebraLabels, sideFollowsTheVerticalViewAsDisplayed) {
   EXPECT_EQ(filter.labelsSide(), 1);
   sagittal->view->displayOrientation = std::array<float, 9>{0, 0, 0, 1, 0, 0, 1, 0, 0};
   EXPECT_EQ(filter.labelsSide(), 1);
+  // Each of the three in its place: the second component is found once the first has been set aside.
+  sagittal->view->displayOrientation = std::array<float, 9>{0.9F, 0.3F, 0, 0, 0, 1, 0, 1, 0};
+  EXPECT_EQ(filter.labelsSide(), 1);
+  sagittal->view->displayOrientation = std::array<float, 9>{0.9F, 0, 0.3F, 0, 0, 1, 0, 1, 0};
+  EXPECT_EQ(filter.labelsSide(), 0);
 }
 
 TEST_F(VertebraLabels, sideWithoutAVerticalViewerIsThatOfASagittalOne) {

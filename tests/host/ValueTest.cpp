@@ -41,6 +41,7 @@ struct IntRow {
   const char* name;
   Value value;
   std::int32_t expected;
+  friend std::ostream& operator<<(std::ostream& out, const IntRow& row) { return out << row.name; }
 };
 
 class ValueAsInt : public ::testing::TestWithParam<IntRow> {};
@@ -64,6 +65,7 @@ struct BoolRow {
   const char* name;
   Value value;
   bool expected;
+  friend std::ostream& operator<<(std::ostream& out, const BoolRow& row) { return out << row.name; }
 };
 
 class ValueAsBool : public ::testing::TestWithParam<BoolRow> {};

@@ -71,6 +71,7 @@ struct Session {
 struct HostCall {
   const char* name;
   std::function<void(Session&)> call;
+  friend std::ostream& operator<<(std::ostream& out, const HostCall& row) { return out << row.name; }
 };
 
 class FailingService : public ::testing::TestWithParam<HostCall> {};

@@ -84,6 +84,7 @@ TEST_F(RequirementCheck, withoutStringTagsAndBodyPartOnlyCodeTwoIsReported) {
 struct Version {
   std::optional<std::string> text;
   bool passes;
+  friend std::ostream& operator<<(std::ostream& out, const Version& row) { return out << row.text.value_or("none"); }
 };
 
 class VersionRule : public RequirementCheck, public ::testing::WithParamInterface<Version> {};

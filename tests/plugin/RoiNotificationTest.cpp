@@ -233,6 +233,7 @@ TEST_F(RoiNotification, theDrawingEventComesBeforeTheCreatedEvent) {
 struct ActionRow {
   const char* name;
   std::optional<Value::Dictionary> userInfo;
+  friend std::ostream& operator<<(std::ostream& out, const ActionRow& row) { return out << row.name; }
 };
 
 class ActionThatIsNoMouseUp : public RoiNotification, public ::testing::WithParamInterface<ActionRow> {};

@@ -120,6 +120,7 @@ TEST_F(Viewers, ofAnotherStudyAreNeverTheVerticalOne) {
 struct CodeRow {
   long code;
   bool vertical;
+  friend std::ostream& operator<<(std::ostream& out, const CodeRow& row) { return out << row.code; }
 };
 
 class OrientationCode : public Viewers, public ::testing::WithParamInterface<CodeRow> {};
@@ -191,6 +192,7 @@ struct NormalRow {
   const char* name;
   double x, y, z;
   bool axial;
+  friend std::ostream& operator<<(std::ostream& out, const NormalRow& row) { return out << row.name; }
 };
 
 class SliceNormal : public ::testing::TestWithParam<NormalRow> {};

@@ -15,6 +15,7 @@ struct CatalogueRow {
   Names discs;
   const char* above;
   const char* below;
+  friend std::ostream& operator<<(std::ostream& out, const CatalogueRow& row) { return out << row.name; }
 };
 
 class Catalogue : public LabellingFixture, public ::testing::WithParamInterface<CatalogueRow> {

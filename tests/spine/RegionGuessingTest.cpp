@@ -44,6 +44,7 @@ struct RegionGuessing : LabellingFixture {
 struct Word {
   const char* term;
   long region;
+  friend std::ostream& operator<<(std::ostream& out, const Word& row) { return out << row.term; }
 };
 
 class BodyPart : public RegionGuessing, public ::testing::WithParamInterface<Word> {};
