@@ -52,11 +52,39 @@ void PointerGestures::press(const PointerPress& press) {
   sliceAtPress_ = info ? info->slice : 0;
   if (doing_ == Doing::window) windowAtPress_ = shownWindow_();
   if (doing_ != Doing::annotation) return;
-  if (press.doubled && workstation_.isDrawing(viewer_)) {
-    (void)workstation_.doubleClick(viewer_, press.at);
+  if (press.doubled) return pressTwice(press.at);
+  if (!isOnLastVertex(press.at)) (void)workstation_.press(viewer_, press.at);
+}
+
+void PointerGestures::pressTwice(pelmar::ViewPoint at) {
+  const auto info = workstation_.viewer(viewer_);
+  const pelmar::Ref<pelmar::ROI> polygon = drawnPolygon();
+  if (!polygon) {
+    // The first press may have ended a drawing, or there was none: a double click starts nothing.
+    if (workstation_.wouldHold(viewer_, at)) (void)workstation_.press(viewer_, at);
+  } else if (polygon->points()->count() < 2) {
+    // The first press has begun it: choosing the tool anew ends it and leaves nothing of it.
+    (void)workstation_.selectRoiTool(viewer_, info->roiTool);
   } else {
-    (void)workstation_.press(viewer_, press.at);
+    (void)workstation_.doubleClick(viewer_, at);
   }
+}
+
+pelmar::Ref<pelmar::ROI> PointerGestures::drawnPolygon() const {
+  if (!workstation_.isDrawing(viewer_)) return {};
+  for (const AnnotationInfo& annotation : workstation_.annotations(viewer_)) {
+    if (annotation.roi->type() == pelmar::ROITypeOpenPolygon && annotation.roi->ROImode() == pelmar::ROIModeDrawing)
+      return annotation.roi;
+  }
+  return {};
+}
+
+bool PointerGestures::isOnLastVertex(pelmar::ViewPoint at) const {
+  const pelmar::Ref<pelmar::ROI> polygon = drawnPolygon();
+  const auto count = static_cast<long>(polygon->points()->count());
+  if (count == 0) return false;
+  const pelmar::ViewPoint last = workstation_.viewPointAt(viewer_, polygon->pointAtIndex(count - 1));
+  return std::hypot(at.x - last.x, at.y - last.y) <= clickReach;
 }
 
 void PointerGestures::move(pelmar::ViewPoint at) {

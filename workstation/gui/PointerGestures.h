@@ -20,6 +20,10 @@ struct PointerPress {
 /// What the pointer does in one viewer, without a widget. The left button draws, holds annotations, or does what the
 /// viewer's mouse tool says; the middle one moves the image, the right one enlarges it. From press to release only the
 /// button that went down first counts. A viewer that closes meanwhile refuses everything, so nothing happens then.
+///
+/// In a polygon every click is a vertex, but one on the vertex that was set last: a hand that ends the polygon there
+/// with a double click means no other. The second press of a double click ends it and adds none; where the polygon has
+/// no more than the vertex of the first press, it goes.
 class PointerGestures {
  public:
   /// What the image is shown with just now; nothing for a colour image.
@@ -48,6 +52,10 @@ class PointerGestures {
   enum class Doing { nothing, annotation, window, pan, zoom, rotate, scroll };
 
   Doing doingOf(const PointerPress& press) const;
+  void pressTwice(pelmar::ViewPoint at);
+  /// Nil when none is being drawn.
+  pelmar::Ref<pelmar::ROI> drawnPolygon() const;
+  bool isOnLastVertex(pelmar::ViewPoint at) const;
   void dragWindow(pelmar::ViewPoint at);
   void dragRotation(pelmar::ViewPoint at);
   void dragSlices(pelmar::ViewPoint at);

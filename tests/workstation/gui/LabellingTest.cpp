@@ -92,6 +92,29 @@ TEST_F(Labelling, APolygonIsClickedAndEndedByADoubleClick) {
   EXPECT_EQ(planeNames().size(), 6U) << "the discs of the region, whatever number of vertices was clicked";
 }
 
+TEST_F(Labelling, ADoubleClickOnTheLastDiscOfTheRegionStartsNoOtherPolygon) {
+  openStudy();
+  chooseLabels();
+  const int viewer = sagittalViewer();
+  ASSERT_TRUE(workstation().setPaletteValue("drawMode", pelmar::Value(1)));
+  settle();
+  for (int vertex = 0; vertex < 6; ++vertex) {
+    const pelmar::PixelPoint pixel{80, 20.0 + 24 * vertex};
+    press(viewer, pixel);
+    release(viewer, pixel);
+  }
+  settle();
+  ASSERT_FALSE(workstation().isDrawing(viewer)) << "the sixth vertex has ended it";
+  const auto names = planeNames();
+  const auto annotations = workstation().annotations(viewer).size();
+  mouse(viewer, QEvent::MouseButtonDblClick, at(viewer, {80, 140}));
+  release(viewer, {80, 140});
+  settle();
+  EXPECT_FALSE(workstation().isDrawing(viewer));
+  EXPECT_EQ(workstation().annotations(viewer).size(), annotations);
+  EXPECT_EQ(planeNames(), names);
+}
+
 TEST_F(Labelling, AVertexIsDraggedAndTheMoveIsTakenBackByTheMenu) {
   openStudy();
   chooseLabels();

@@ -9,6 +9,8 @@
 namespace workstation {
 namespace {
 
+using pelmar::PixelPoint;
+
 class Gestures : public testing::Test {
  protected:
   Gestures() {
@@ -18,6 +20,25 @@ class Gestures : public testing::Test {
   }
   void choose(long tool) { ASSERT_TRUE(workstation.selectMouseTool(viewer, tool)); }
   ViewerInfo info() const { return *workstation.viewer(viewer); }
+
+  void click(PixelPoint at, bool doubled = false) {
+    const auto point = workstation.viewPointAt(viewer, at);
+    gestures.press({point, PointerButton::left, doubled});
+    gestures.release(PointerButton::left, point);
+  }
+  /// As a window system tells it: a click, then a press that is called the second of two.
+  void doubleClick(PixelPoint at) {
+    click(at);
+    click(at, true);
+  }
+  std::vector<double> columnsOfPolygon() {
+    std::vector<double> columns;
+    const auto all = workstation.annotations(viewer);
+    if (all.size() != 1) return columns;
+    for (std::size_t vertex = 0; vertex < all[0].roi->points()->count(); ++vertex)
+      columns.push_back(std::round(all[0].roi->pointAtIndex(static_cast<long>(vertex)).x));
+    return columns;
+  }
 
   Workstation workstation;
   int viewer = 0;
@@ -124,6 +145,45 @@ TEST_F(Gestures, CancellingLetsTheLineGoWhereItWas) {
   gestures.cancel();
   EXPECT_FALSE(workstation.isDrawing(viewer));
   EXPECT_NEAR(workstation.annotations(viewer).at(0).roi->pointAtIndex(1).x, 60, 1e-9);
+}
+
+TEST_F(Gestures, ADoubleClickSetsTheLastVertexOfAPolygonAndEndsIt) {
+  ASSERT_TRUE(workstation.selectRoiTool(viewer, pelmar::ROIToolTagOpenPolygon));
+  click({10, 10});
+  click({20, 30});
+  doubleClick({40, 30});
+  EXPECT_FALSE(workstation.isDrawing(viewer));
+  EXPECT_EQ(columnsOfPolygon(), (std::vector<double>{10, 20, 40}));
+}
+
+TEST_F(Gestures, ADoubleClickOnTheLastVertexAddsNone) {
+  ASSERT_TRUE(workstation.selectRoiTool(viewer, pelmar::ROIToolTagOpenPolygon));
+  click({10, 10});
+  click({20, 30});
+  doubleClick({20, 30});
+  EXPECT_FALSE(workstation.isDrawing(viewer));
+  EXPECT_EQ(columnsOfPolygon(), (std::vector<double>{10, 20}));
+}
+
+TEST_F(Gestures, ADoubleClickBesideAPolygonThatHasEndedStartsNone) {
+  ASSERT_TRUE(workstation.selectRoiTool(viewer, pelmar::ROIToolTagOpenPolygon));
+  click({10, 10});
+  click({20, 30});
+  ASSERT_TRUE(workstation.key(viewer, Key::returnKey));
+  click({80, 30}, true);
+  EXPECT_FALSE(workstation.isDrawing(viewer));
+  EXPECT_EQ(columnsOfPolygon(), (std::vector<double>{10, 20}));
+}
+
+TEST_F(Gestures, ADoubleClickWithNothingBeingDrawnLeavesNothing) {
+  ASSERT_TRUE(workstation.selectRoiTool(viewer, pelmar::ROIToolTagOpenPolygon));
+  doubleClick({40, 30});
+  EXPECT_FALSE(workstation.isDrawing(viewer));
+  EXPECT_TRUE(workstation.annotations(viewer).empty());
+  EXPECT_FALSE(workstation.canUndo());
+  click({10, 10});
+  click({20, 30});
+  EXPECT_EQ(columnsOfPolygon(), (std::vector<double>{10, 20})) << "the tool draws on";
 }
 
 TEST_F(Gestures, InAViewerThatHasClosedNothingHappens) {
