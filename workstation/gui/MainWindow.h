@@ -18,6 +18,7 @@
 #include "workstation/gui/PageOpener.h"
 #include "workstation/gui/PaletteWidget.h"
 #include "workstation/gui/ViewerGrid.h"
+#include "workstation/gui/WindowPresets.h"
 
 namespace workstation {
 
@@ -82,7 +83,7 @@ class MainWindow final : public QMainWindow {
   void chooseTool(long mouseTool, long roiTool);
   void onFrontViewer(const std::function<Outcome(int viewer)>& operation);
   void fillWindowMenu(QMenu* menu);
-  void showWith(int viewer, const std::optional<WindowSetting>& window);
+  void showWith(int viewer, const WindowPreset& preset);
   void showViewerMenu(QPoint globalPosition);
   void refreshActions();
   void tellIfRefused(const Outcome& outcome);

@@ -7,7 +7,6 @@
 #include "workstation/gui/MainWindow.h"
 #include "workstation/gui/ShortcutSheet.h"
 #include "workstation/gui/StackTitle.h"
-#include "workstation/gui/WindowPresets.h"
 
 namespace workstation {
 namespace {
@@ -221,28 +220,35 @@ void MainWindow::fillWindowMenu(QMenu* menu) {
   }
   const auto info = desk_.workstation().viewer(pane->viewer());
   const auto* record = desk_.workstation().sliceRecord(pane->viewer(), info->slice);
+  const ViewerLook& look = pane->canvas().look();
   const auto add = [&](const WindowPreset& preset) {
     const QString size = preset.window ? "   (" + windowSizeText(*preset.window) + ")" : QString();
-    addAction(menu, QString::fromStdString(preset.title) + size, {},
-              [this, viewer = pane->viewer(), window = preset.window] { showWith(viewer, window); });
+    // A single & in the file's own words would become a shortcut.
+    auto* action = addAction(menu, QString::fromStdString(preset.title).replace("&", "&&") + size, {},
+                             [this, viewer = pane->viewer(), preset] { showWith(viewer, preset); });
+    action->setCheckable(true);
+    action->setChecked(isChosen(preset, look.window, look.voiTable));
   };
   for (const WindowPreset& preset : windowPresets(record->modality, *pixels, *shown)) add(preset);
   const auto kept = keptWindows(settings_, record->modality);
   if (!kept.empty()) menu->addSeparator();
-  for (const WindowSetting& window : kept) add({"Kept", window});
+  for (const WindowSetting& window : kept) add({"Kept", window, {}});
   menu->addSeparator();
-  addAction(menu, "&Keep this window", {},
-            [this, modality = record->modality, window = *shown] { keepWindow(settings_, modality, window); });
+  auto* keep = addAction(menu, "&Keep this window", {}, [this, modality = record->modality, window = *shown] {
+    keepWindow(settings_, modality, window);
+  });
+  keep->setEnabled(!voiTransformOf(*pixels, storedRange(*pixels), look.window, look.voiTable).table);
   if (!kept.empty()) {
     addAction(menu, "&Forget the kept ones", {},
               [this, modality = record->modality] { forgetWindows(settings_, modality); });
   }
 }
 
-void MainWindow::showWith(int viewer, const std::optional<WindowSetting>& window) {
+void MainWindow::showWith(int viewer, const WindowPreset& preset) {
   auto* pane = grid_->pane(viewer);
   if (!pane) return;
-  pane->canvas().look().window = window;
+  pane->canvas().look().window = preset.window;
+  pane->canvas().look().voiTable = preset.voiTable;
   pane->canvas().update();
 }
 

@@ -148,6 +148,7 @@ void PointerGestures::dragWindow(pelmar::ViewPoint at) {
                        std::max(1.0, windowAtPress_->width + (at.x - pressedAt_.x) * perPoint),
                        {}};
   look_.window = window;
+  look_.voiTable.reset();
 }
 
 void PointerGestures::dragRotation(pelmar::ViewPoint at) {

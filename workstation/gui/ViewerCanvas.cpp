@@ -75,7 +75,7 @@ std::shared_ptr<const PixelData> ViewerCanvas::shownPixels() {
 std::optional<WindowSetting> ViewerCanvas::shownWindow() {
   const auto pixels = shownPixels();
   if (!pixels || pixels->samplesPerPixel != 1) return std::nullopt;
-  return voiTransformOf(*pixels, storedRange(*pixels), look_.window).window;
+  return voiTransformOf(*pixels, storedRange(*pixels), look_.window, look_.voiTable).window;
 }
 
 void ViewerCanvas::placeInModel() {
@@ -107,6 +107,7 @@ void ViewerCanvas::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   PictureOptions what;
   what.window = look_.window;
+  what.voiTable = look_.voiTable;
   what.banners = banners_;
   what.texts = options_.texts;
   what.referenceLines = options_.referenceLines;

@@ -17,6 +17,7 @@ struct MarkedPoint {
 /// How a viewer shows its images, beyond what the model knows: it changes neither what is drawn nor what is stored.
 struct ViewerLook {
   std::optional<WindowSetting> window;  ///< chosen by the person; absent: as the files ask for
+  std::optional<std::size_t> voiTable;  ///< of each slice's tables the one chosen by the person, before the window
   std::optional<MarkedPoint> marked;
 };
 

@@ -10,7 +10,7 @@
 namespace workstation {
 
 /// Changes whenever anything does that the module and its program share.
-constexpr int renderModuleVersion = 1;
+constexpr int renderModuleVersion = 2;
 
 struct RenderOptions {
   double devicePixelRatio = 1;  ///< pixels of the file per point of the view, 0.1 .. 8

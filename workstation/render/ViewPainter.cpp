@@ -123,14 +123,16 @@ void ViewPainter::paint(QPainter& painter, const ViewPicture& picture, const std
 }
 
 void ViewPainter::updateImage(const ViewPicture& picture, const std::shared_ptr<const PixelData>& pixels) {
-  if (pixels == pixels_ && isSame(picture.window, window_) && (pixels || image_.isNull())) return;
+  const bool isShownAlike = isSame(picture.window, window_) && picture.voiTable == voiTable_;
+  if (pixels == pixels_ && isShownAlike && (pixels || image_.isNull())) return;
   layer_ = {};
   image_ = {};
   if (pixels && pixels != pixels_) range_ = storedRange(*pixels);
   pixels_ = pixels;
   window_ = picture.window;
+  voiTable_ = picture.voiTable;
   if (!pixels) return;
-  transform_ = voiTransformOf(*pixels, range_, window_);
+  transform_ = voiTransformOf(*pixels, range_, window_, voiTable_);
   image_ = imageOfPixels(*pixels, range_, transform_);
 }
 

@@ -37,6 +37,7 @@ class ViewPainter {
 
   std::shared_ptr<const PixelData> pixels_;  ///< what image_ was made of
   std::optional<WindowSetting> window_;
+  std::optional<std::size_t> voiTable_;
   StoredRange range_;
   VoiTransform transform_;
   QImage image_;  ///< the slice, a pixel a pixel

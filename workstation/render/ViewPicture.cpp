@@ -121,6 +121,7 @@ std::optional<ViewPicture> pictureOf(const Workstation& workstation, int viewer,
   picture.image = *image;
   picture.transform = imageView.get()->transform();
   picture.window = options.window;
+  picture.voiTable = options.voiTable;
   picture.banners = options.banners;
   picture.showsWindow = options.texts;
   for (const AnnotationInfo& annotation : workstation.annotations(viewer, info->slice)) {

@@ -39,6 +39,7 @@ struct ViewPicture {
   ImageRecord image;
   ViewTransform transform;
   std::optional<WindowSetting> window;  ///< what the person has chosen; absent: what the file asks for
+  std::optional<std::size_t> voiTable;  ///< a table of the file that the person has chosen; counts before the window
   std::vector<PaintedAnnotation> annotations;
   std::vector<PixelSegment> referenceLines;
   std::vector<pelmar::PixelPoint> crosses;  ///< points that a person has marked, from this or another viewer
@@ -51,9 +52,10 @@ struct ViewPicture {
 
 struct PictureOptions {
   std::optional<WindowSetting> window;
-  std::vector<std::string> banners;  ///< sentences at the bottom of the view: what the person must not overlook
-  bool texts = true;                 ///< patient, series, slice, scale bar and orientation letters
-  bool referenceLines = true;        ///< where the slice of the viewer in front cuts this one
+  std::optional<std::size_t> voiTable;  ///< see ViewPicture
+  std::vector<std::string> banners;     ///< sentences at the bottom of the view: what the person must not overlook
+  bool texts = true;                    ///< patient, series, slice, scale bar and orientation letters
+  bool referenceLines = true;           ///< where the slice of the viewer in front cuts this one
 };
 
 /// What a viewer shows now; nothing when it is not open. Changes nothing.

@@ -69,14 +69,20 @@ WindowSetting fullWindow(const PixelData& pixels, const StoredRange& range) {
 }
 
 VoiTransform voiTransformOf(const PixelData& pixels, const StoredRange& range,
-                            const std::optional<WindowSetting>& chosen) {
+                            const std::optional<WindowSetting>& chosen, const std::optional<std::size_t>& chosenTable) {
+  const auto hasTable = [&](std::size_t place) {
+    return place < pixels.voiLuts.size() && !pixels.voiLuts[place].entries.empty();
+  };
   VoiTransform transform;
   transform.function = pixels.windowFunction;
-  if (chosen && isUsable(*chosen)) {
+  if (chosenTable && hasTable(*chosenTable)) {
+    transform.table = &pixels.voiLuts[*chosenTable];
+    transform.window = fullWindow(pixels, range);
+  } else if (chosen && isUsable(*chosen)) {
     transform.window = *chosen;
   } else if (!pixels.windows.empty() && isUsable(pixels.windows.front())) {
     transform.window = pixels.windows.front();
-  } else if (!pixels.voiLuts.empty() && !pixels.voiLuts.front().entries.empty()) {
+  } else if (hasTable(0)) {
     transform.table = &pixels.voiLuts.front();
     transform.window = fullWindow(pixels, range);
   } else {

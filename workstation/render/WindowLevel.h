@@ -31,11 +31,13 @@ StoredRange storedRange(const PixelData& pixels);
 /// The window that maps the lowest stored value to black and the highest to white.
 WindowSetting fullWindow(const PixelData& pixels, const StoredRange& range);
 
-/// What the pixels are shown with: the window that a person has chosen, else the file's first window, else its first
-/// table, else all from the lowest to the highest value. A chosen window that is not finite or not wider than 0 counts
-/// as none. The pixels must outlive the answer.
+/// What the pixels are shown with: the table of theirs that a person has chosen, by its place from 0, else the window
+/// that was chosen, else the file's first window, else its first table, else all from the lowest to the highest value.
+/// A chosen window that is not finite or not wider than 0 counts as none, and so does a table that the pixels do not
+/// have. The pixels must outlive the answer.
 VoiTransform voiTransformOf(const PixelData& pixels, const StoredRange& range,
-                            const std::optional<WindowSetting>& chosen);
+                            const std::optional<WindowSetting>& chosen,
+                            const std::optional<std::size_t>& chosenTable = std::nullopt);
 
 /// A brightness as a sample of 8 bits: the nearest of 0 .. 255.
 int eightBits(double brightness);

@@ -42,6 +42,37 @@ TEST(WindowPresets, OfferTheFurtherWindowsOfTheFile) {
   EXPECT_NE(presetOf(presets, "Window 3 of the file"), nullptr);
 }
 
+TEST(WindowPresets, OfferTheTablesOfTheFileByTheirExplanations) {
+  PixelData pixels = greys();
+  pixels.voiLuts = {{0, 8, {1}, "SPINE"}, {0, 8, {2}, ""}};
+  auto presets = windowPresets("MR", pixels, {300, 600, {}});
+  EXPECT_EQ(presets.front().title, "As in the file: SPINE");
+  EXPECT_EQ(presetOf(presets, "SPINE"), nullptr) << "that is what the file asks for";
+  ASSERT_NE(presetOf(presets, "Table 2 of the file"), nullptr);
+  EXPECT_EQ(presetOf(presets, "Table 2 of the file")->voiTable, 1U);
+  EXPECT_FALSE(presetOf(presets, "Table 2 of the file")->window);
+  pixels.windows = {{300, 600, "Normal"}};
+  presets = windowPresets("MR", pixels, {300, 600, {}});
+  EXPECT_EQ(presets.front().title, "As in the file: Normal");
+  ASSERT_NE(presetOf(presets, "SPINE"), nullptr) << "a window comes before the tables";
+  EXPECT_EQ(presetOf(presets, "SPINE")->voiTable, 0U);
+}
+
+TEST(WindowPresets, TheChosenOneIsTheWindowTheTableOrNeither) {
+  const WindowSetting narrow{40, 80, "Narrow"};
+  const WindowPreset asInFile{"As in the file", {}, {}};
+  const WindowPreset window{"Narrow", narrow, {}};
+  const WindowPreset table{"SPINE", {}, 1};
+  EXPECT_TRUE(isChosen(asInFile, {}, {}));
+  EXPECT_FALSE(isChosen(asInFile, narrow, {}));
+  EXPECT_FALSE(isChosen(asInFile, {}, 1));
+  EXPECT_TRUE(isChosen(window, WindowSetting{40, 80, ""}, {}));
+  EXPECT_FALSE(isChosen(window, WindowSetting{40, 81, ""}, {}));
+  EXPECT_FALSE(isChosen(window, narrow, 1)) << "the table comes first";
+  EXPECT_TRUE(isChosen(table, narrow, 1));
+  EXPECT_FALSE(isChosen(table, {}, 0));
+}
+
 TEST(WindowPresets, InCtAreFixedAndElsewhereRelative) {
   const auto ct = windowPresets("CT", greys(), {300, 600, {}});
   ASSERT_NE(presetOf(ct, "Bone"), nullptr);

@@ -109,6 +109,18 @@ TEST_F(ViewPainterTest, FollowsTheChosenWindowAndNewPixels) {
   EXPECT_NEAR(levelAt(140, 60), 55, 3);
 }
 
+TEST_F(ViewPainterTest, FollowsTheChosenTable) {
+  auto withTable = std::make_shared<PixelData>(*pixels_);
+  withTable->voiLuts = {{100, 8, {30, 90}, {}}};  // up to 100: 30, above: 90
+  pixels_ = withTable;
+  EXPECT_NEAR(levelAt(140, 60), 200, 3);
+  picture_.voiTable = 0;
+  EXPECT_NEAR(levelAt(140, 60), 90, 3);
+  EXPECT_NEAR(levelAt(60, 60), 30, 3);
+  picture_.voiTable.reset();
+  EXPECT_NEAR(levelAt(140, 60), 200, 3);
+}
+
 TEST_F(ViewPainterTest, AveragesWhenPixelsAreSmallerThanTheDisplays) {
   auto stripes = std::make_shared<PixelData>();
   stripes->rows = stripes->columns = 800;

@@ -128,6 +128,17 @@ TEST(WindowLevel, ChoiceOfThePersonComesBeforeWindowBeforeTableBeforeFullRange) 
   EXPECT_EQ(voiTransformOf(pixels, range, WindowSetting{7, 8, {}}).window.width, 8);
 }
 
+TEST(WindowLevel, AChosenTableComesBeforeEverythingElseAndOneThatIsNotThereCountsAsNone) {
+  PixelData pixels = greyPixels({0, 1000});
+  const StoredRange range = storedRange(pixels);
+  pixels.voiLuts = {lutOf(0, 8, {1, 2}), lutOf(0, 8, {3, 4})};
+  pixels.windows = {{40, 400, "SOFT"}};
+  EXPECT_EQ(voiTransformOf(pixels, range, WindowSetting{7, 8, {}}, 1).table, &pixels.voiLuts[1]);
+  EXPECT_EQ(voiTransformOf(pixels, range, WindowSetting{7, 8, {}}, 2).table, nullptr);
+  EXPECT_EQ(voiTransformOf(pixels, range, WindowSetting{7, 8, {}}, 2).window.width, 8);
+  EXPECT_EQ(voiTransformOf(pixels, range, {}, 2).window.width, 400);
+}
+
 TEST(WindowLevel, ImpossibleChoiceCountsAsNone) {
   PixelData pixels = greyPixels({0, 1000});
   pixels.windows = {{40, 400, {}}};
