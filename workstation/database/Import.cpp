@@ -130,7 +130,13 @@ class Importer {
     std::error_code error;
     for (int number = 1; fs::exists(folder / target.name, error); ++number)
       target.name = nameForUid(objectUid) + "-" + std::to_string(number) + ".dcm";
-    if (fs::create_directory(folder, error)) madeFolders_.push_back(folder);
+    if (fs::create_directory(folder, error)) {
+      madeFolders_.push_back(folder);
+    } else if (error) {
+      result_.problem = "The folder " + folder.string() + " cannot be made: " + error.message() +
+                        "; check that there is room on the disk and that you may write there, and try again.";
+      return target;
+    }
     if (folders_.insert(folder).second) removeLeftovers(folder);
     Copy made{source, {target, std::move(contents)}, TemporaryFile(folder / target.name, disk_)};
     if (isDone(made.temporary.copyFrom(fs::path(source.folder) / source.name))) copies_.push_back(std::move(made));

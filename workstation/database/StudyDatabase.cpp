@@ -217,9 +217,6 @@ ReadResult StudyDatabase::contents() {
   result.warning = prepareToolkit();
   withIndex([&] {
     result.images = index_->images(root_);
-    result.unreadable = scan_.unlisted();
-    for (const IndexedPlace& place : index_->places(FileKind::unreadable))
-      result.unreadable.push_back({scan_.pathOf(place.file), place.reason});
     const auto listPaths = [&](FileKind kind, std::vector<fs::path>& paths) {
       paths.clear();
       for (const IndexedPlace& place : index_->places(kind)) paths.push_back(scan_.pathOf(place.file));
@@ -228,9 +225,21 @@ ReadResult StudyDatabase::contents() {
     listPaths(FileKind::notDicom, result.notDicom);
     listPaths(FileKind::directory, result.directories);
   });
+  result.unreadable = unreadableFiles();
   setCopiesAside(result);
   sortByPath(result.unreadable);
   return result;
+}
+
+std::vector<UnreadableFile> StudyDatabase::unreadableFiles() {
+  std::vector<UnreadableFile> files;
+  withIndex([&] {
+    files = scan_.unlisted();
+    for (const IndexedPlace& place : index_->places(FileKind::unreadable))
+      files.push_back({scan_.pathOf(place.file), place.reason});
+  });
+  sortByPath(files);
+  return files;
 }
 
 ImportResult StudyDatabase::importFiles(const std::vector<fs::path>& paths, const Progress& progress) {

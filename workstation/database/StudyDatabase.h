@@ -78,6 +78,8 @@ class StudyDatabase final : public ReportShelf {
   ReadResult contents(const std::string& studyUid);
   /// Everything that lies here, as readImages gives it, from the index alone. Reports are among the other objects.
   ReadResult contents();
+  /// The files that cannot be used, by path; neither images nor what is no DICOM file.
+  std::vector<UnreadableFile> unreadableFiles();
 
   /// Looks for files that came or went since the last look. Cheap. The operations of ReportShelf do so by themselves.
   void refresh();

@@ -23,6 +23,7 @@ MainWindow::MainWindow(Desk& desk, QSettings& settings, std::filesystem::path da
   setAcceptDrops(true);
   canvasOptions_.texts = settings_.value("view/texts", true).toBool();
   canvasOptions_.referenceLines = settings_.value("view/referenceLines", true).toBool();
+  gridTitle_ = settings_.value("view/grid").toString();
   makeWidgets();
   makeActions();
   connectDesk();
@@ -72,6 +73,9 @@ void MainWindow::makeWidgets() {
   };
   dock->setWidget(browser_);
   addDockWidget(Qt::LeftDockWidgetArea, dock);
+  dock->toggleViewAction()->setText("&Studies");
+  dock->toggleViewAction()->setShortcut(QKeySequence("F9"));
+  studiesAction_ = dock->toggleViewAction();
   palette_ = new PaletteWidget(desk_, this);
   statusBar()->setSizeGripEnabled(false);
 }
@@ -169,6 +173,7 @@ void MainWindow::keepLayout() {
   settings_.setValue("window/state", saveState());
   settings_.setValue("view/texts", canvasOptions_.texts);
   settings_.setValue("view/referenceLines", canvasOptions_.referenceLines);
+  settings_.setValue("view/grid", gridTitle_);
   settings_.sync();
 }
 

@@ -82,6 +82,10 @@ class MainWindow final : public QMainWindow {
   QAction* addAction(QMenu* menu, const QString& text, const QKeySequence& shortcut, std::function<void()> act);
   void chooseTool(long mouseTool, long roiTool);
   void onFrontViewer(const std::function<Outcome(int viewer)>& operation);
+  void makeGridMenu();
+  void chooseGrid(const QString& title);
+  /// The grid that the person has chosen, else one with room for the viewers.
+  GridSize gridToShow() const;
   void fillWindowMenu(QMenu* menu);
   void showWith(int viewer, const WindowPreset& preset);
   void showViewerMenu(QPoint globalPosition);
@@ -96,6 +100,8 @@ class MainWindow final : public QMainWindow {
   void showOpened(const std::filesystem::path& folder);
   void openNextFolder();
   void tellImport(const ImportResult& result);
+  /// Names files, each with what became of it and why; of many only the first, and how many more there are.
+  void tellUnreadable(const std::vector<UnreadableFile>& files, const std::string& whatBecame);
   void closeEveryViewer();
   void showInViewers(const std::vector<StackId>& stacks);
   void quitModel();
@@ -128,9 +134,11 @@ class MainWindow final : public QMainWindow {
 
   QActionGroup* toolActions_ = nullptr;
   QActionGroup* gridActions_ = nullptr;
+  QString gridTitle_;  ///< of the grid that the person has chosen; empty: as many cells as there are viewers
   QAction* undoAction_ = nullptr;
   QAction* redoAction_ = nullptr;
   QAction* deleteAction_ = nullptr;
+  QAction* studiesAction_ = nullptr;  ///< shows and hides the browser
   QMenu* pluginMenu_ = nullptr;
   QMenu* viewMenu_ = nullptr;
   QMenu* windowMenu_ = nullptr;

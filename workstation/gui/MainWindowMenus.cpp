@@ -42,6 +42,7 @@ constexpr GridChoice gridChoices[] = {{"1 x 1", "Ctrl+1", {1, 1}},       {"1 x 2
                                       {"2 x 1", "Ctrl+3", {2, 1}},       {"2 x 2", "Ctrl+4", {2, 2}},
                                       {"2 x 3", "Ctrl+5", {2, 3}},       {"3 x 3", "Ctrl+6", {3, 3}},
                                       {"1 + 2", "Ctrl+7", {2, 2, true}}, {"1 + 3", "Ctrl+8", {3, 2, true}}};
+constexpr const char* gridAsNeeded = "As many as are open";
 
 }  // namespace
 
@@ -124,15 +125,9 @@ void MainWindow::makeViewMenu() {
   viewMenu_->addSeparator();
   windowMenu_ = viewMenu_->addMenu("&Window and level");
   connect(windowMenu_, &QMenu::aboutToShow, this, [this] { fillWindowMenu(windowMenu_); });
-  auto* gridMenu = viewMenu_->addMenu("&Grid");
-  gridActions_ = new QActionGroup(this);
-  for (const GridChoice& choice : gridChoices) {
-    auto* action = addAction(gridMenu, choice.title, QKeySequence(choice.shortcut),
-                             [this, size = choice.size] { grid_->setSize(size); });
-    action->setCheckable(true);
-    gridActions_->addAction(action);
-  }
+  makeGridMenu();
   viewMenu_->addSeparator();
+  viewMenu_->addAction(studiesAction_);
   const auto addSwitch = [&](const QString& text, const char* shortcut, bool& option) {
     auto* action = addAction(viewMenu_, text, QKeySequence(shortcut), [this, &option] {
       option = !option;
@@ -143,6 +138,32 @@ void MainWindow::makeViewMenu() {
   };
   addSwitch("&Texts", "Ctrl+T", canvasOptions_.texts);
   addSwitch("Reference &lines", "Ctrl+E", canvasOptions_.referenceLines);
+}
+
+void MainWindow::makeGridMenu() {
+  auto* menu = viewMenu_->addMenu("&Grid");
+  gridActions_ = new QActionGroup(this);
+  const auto add = [&](const QString& text, const char* shortcut, const QString& title) {
+    auto* action = addAction(menu, text, QKeySequence(shortcut), [this, title] { chooseGrid(title); });
+    action->setCheckable(true);
+    action->setData(title);
+    gridActions_->addAction(action);
+  };
+  add(gridAsNeeded, "Ctrl+0", "");
+  for (const GridChoice& choice : gridChoices) add(choice.title, choice.shortcut, choice.title);
+}
+
+void MainWindow::chooseGrid(const QString& title) {
+  gridTitle_ = title;
+  grid_->setSize(gridToShow());
+  refreshActions();
+}
+
+GridSize MainWindow::gridToShow() const {
+  for (const GridChoice& choice : gridChoices) {
+    if (gridTitle_ == choice.title) return choice.size;
+  }
+  return gridFor(desk_.workstation().viewers().size());
 }
 
 void MainWindow::makeToolMenu() {
@@ -286,9 +307,7 @@ void MainWindow::refreshActions() {
     const QPoint tags = action->data().toPoint();
     action->setChecked(info && info->tool == tags.x() && (tags.y() == 0 || info->roiTool == tags.y()));
   }
-  for (std::size_t index = 0; index < std::size(gridChoices); ++index) {
-    gridActions_->actions().at(static_cast<qsizetype>(index))->setChecked(grid_->size() == gridChoices[index].size);
-  }
+  for (QAction* action : gridActions_->actions()) action->setChecked(action->data().toString() == gridTitle_);
 }
 
 }  // namespace workstation

@@ -10,6 +10,13 @@ namespace workstation {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+/// A folder may hold thousands of files of another kind.
+constexpr std::size_t mostFilesNamed = 20;
+
+}  // namespace
+
 // --- folders and the database --------------------------------------------------------------------------------------
 
 void MainWindow::openDatabaseIfThere() {
@@ -33,7 +40,9 @@ void MainWindow::chooseAndOpenFolder() {
 void MainWindow::chooseAndImport() {
   const QString start = settings_.value("folders/last").toString();
   const QString folder = desk_.prompts().chooseFolder("Import a folder of DICOM files", start);
-  if (!folder.isEmpty()) importPaths({folder.toStdString()});
+  if (folder.isEmpty()) return;
+  settings_.setValue("folders/last", folder);
+  importPaths({folder.toStdString()});
 }
 
 void MainWindow::startTask(const QString& what, BackgroundTask::Work work, std::function<void(bool)> finished) {
@@ -89,6 +98,7 @@ void MainWindow::openNextFolder() {
 
 void MainWindow::showOpened(const fs::path& folder) {
   browser_->refill();
+  tellUnreadable(desk_.folders().unreadableFilesIn(folder), "cannot be used");
   const auto studies = desk_.folders().studiesIn(folder);
   if (studies.empty()) {
     desk_.tell(folder.string() + " holds no DICOM image that can be shown.");
@@ -129,13 +139,21 @@ void MainWindow::importPaths(const std::vector<fs::path>& paths) {
 void MainWindow::tellImport(const ImportResult& result) {
   if (!result.problem.empty()) return desk_.tell(result.problem);
   if (result.cancelled) return statusBar()->showMessage("The import was cancelled: the database is as it was.");
-  for (const UnreadableFile& file : result.unreadable)
-    desk_.tell(file.file.string() + " was not imported: " + file.reason + ".");
+  tellUnreadable(result.unreadable, "was not imported");
   if (result.imported + result.known == 0) return desk_.tell("Nothing was imported: no DICOM object was found.");
   QString text = QString::fromStdString(countText(result.imported, "file was", "files were")) + " imported";
   if (result.known > 0)
     text += QString::fromStdString(", " + countText(result.known, "was", "were") + " there already");
   statusBar()->showMessage(text + ".");
+}
+
+void MainWindow::tellUnreadable(const std::vector<UnreadableFile>& files, const std::string& whatBecame) {
+  for (std::size_t index = 0; index < std::min(files.size(), mostFilesNamed); ++index)
+    desk_.tell(files[index].file.string() + " " + whatBecame + ": " + files[index].reason + ".");
+  if (files.size() > mostFilesNamed) {
+    desk_.tell("The same goes for " + countText(files.size() - mostFilesNamed, "file", "files") +
+               " more: \"vertana info\" names all of them.");
+  }
 }
 
 // --- viewers -------------------------------------------------------------------------------------------------------
@@ -160,7 +178,7 @@ void MainWindow::showInViewers(const std::vector<StackId>& stacks) {
     if (!first) first = *opened;
   }
   if (first) tellIfRefused(workstation.bringToFront(*first));
-  grid_->setSize(gridFor(workstation.viewers().size()));
+  grid_->setSize(gridToShow());
   // The middle is what a spine is drawn in, and where there is something to see.
   for (const ViewerInfo& viewer : workstation.viewers()) {
     if (viewer.slice == 0 && viewer.slices > 1) tellIfRefused(workstation.scroll(viewer.number, viewer.slices / 2));

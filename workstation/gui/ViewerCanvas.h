@@ -37,6 +37,7 @@ class ViewerCanvas final : public QWidget {
   int viewer() const { return viewer_; }
   ViewerLook& look() { return look_; }
   void setBanners(std::vector<std::string> banners);
+  const std::vector<std::string>& banners() const { return banners_; }
   /// Tells the model where on the screen the image is. The image keeps filling the view as it did; the first time it is
   /// fitted.
   void placeInModel();

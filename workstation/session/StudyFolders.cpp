@@ -50,6 +50,16 @@ std::vector<std::string> StudyFolders::studiesIn(const fs::path& place) {
   return uids;
 }
 
+std::vector<UnreadableFile> StudyFolders::unreadableFilesIn(const fs::path& place) {
+  std::vector<UnreadableFile> files;
+  const auto name = nameOf(place);
+  for (const Folder& folder : folders_) {
+    if (folder.place != name) continue;
+    for (UnreadableFile& file : folder.database->unreadableFiles()) files.push_back(std::move(file));
+  }
+  return files;
+}
+
 std::vector<ImageRecord> StudyFolders::images(const std::string& studyUid) {
   for (const Folder& folder : folders_) {
     auto images = folder.database->images(studyUid);

@@ -23,6 +23,8 @@ class StudyFolders {
   std::vector<StudyEntry> studies(std::string_view search = {});
   /// The study UIDs of what was added from this place.
   std::vector<std::string> studiesIn(const std::filesystem::path& place);
+  /// The files of what was added from this place that cannot be used, by path.
+  std::vector<UnreadableFile> unreadableFilesIn(const std::filesystem::path& place);
   /// The slices of a study; empty when it is nowhere.
   std::vector<ImageRecord> images(const std::string& studyUid);
   /// Whole sentences about indexes that could not be used, since the last call.

@@ -207,6 +207,7 @@ TEST_F(Viewers, AStudyThatIsGoneIsNamedWhenItIsOpened) {
 TEST_F(Viewers, LayoutAndViewSwitchesAreKeptBetweenRuns) {
   window_->resize(720, 600);
   click("Reference &lines");
+  click("&Studies");
   window_->close();
   EXPECT_EQ(settings_->value("view/referenceLines").toBool(), false);
   window_.reset();
@@ -218,6 +219,40 @@ TEST_F(Viewers, LayoutAndViewSwitchesAreKeptBetweenRuns) {
   window_ = std::make_unique<MainWindow>(*desk_, *settings_, database());
   EXPECT_EQ(window_->width(), 720);
   EXPECT_EQ(window_->height(), 600);
+  window_->show();
+  EXPECT_FALSE(window_->browser().isVisible());
+  click("&Studies");
+  EXPECT_TRUE(window_->browser().isVisible());
+}
+
+TEST_F(Viewers, AGridThatIsChosenIsKeptForOtherStudiesAndBetweenRuns) {
+  openStudy();
+  const GridSize asNeeded = gridFor(workstation().viewers().size());
+  EXPECT_EQ(window_->grid().size(), asNeeded);
+  click("2 x 3");
+  EXPECT_EQ(window_->grid().size(), (GridSize{2, 3}));
+  restart();
+  openStudy();
+  EXPECT_EQ(window_->grid().size(), (GridSize{2, 3}));
+  click("As many as are open");
+  EXPECT_EQ(window_->grid().size(), asNeeded);
+  restart();
+  openStudy();
+  EXPECT_EQ(window_->grid().size(), asNeeded);
+  settings_->setValue("view/grid", "7 x 7");
+  restart();
+  openStudy();
+  EXPECT_EQ(window_->grid().size(), asNeeded) << "there is no such grid";
+}
+
+TEST_F(Viewers, TheLastFolderIsWhereTheNextOneIsLookedFor) {
+  prompts_.folder = QString::fromStdString(study().string());
+  click("&Import folder into the database ...");
+  waitForTask();
+  restart();
+  click("&Open folder ...");
+  waitForTask();
+  EXPECT_EQ(prompts_.start.toStdString(), study().string());
 }
 
 }  // namespace

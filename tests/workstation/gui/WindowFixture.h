@@ -35,7 +35,10 @@ class AnsweringPrompts final : public Prompts {
     if (beforeNextTry) beforeNextTry();
     return unsaved.size() <= triesMore;
   }
-  QString chooseFolder(const QString&, const QString&) override { return folder; }
+  QString chooseFolder(const QString&, const QString& from) override {
+    start = from;
+    return folder;
+  }
   QString chooseNewFile(const QString&, const QString&, const QString&) override { return folder; }
 
   std::vector<std::string> alerts;
@@ -46,6 +49,7 @@ class AnsweringPrompts final : public Prompts {
   bool confirms = true;
   std::size_t triesMore = 0;
   QString folder;
+  QString start;  ///< where the last folder was looked for
 };
 
 /// A lumbar phantom in a folder of its own, and the window over it. The same phantom is copied for each test.

@@ -1,0 +1,192 @@
+// What the person is told when something cannot be done, and that nothing is half done then.
+#include <dcmtk/config/osconfig.h>
+#include <dcmtk/dcmdata/dctk.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "WindowFixture.h"
+#include "tests/workstation/dicom/DicomFixtures.h"
+
+namespace workstation::test {
+namespace {
+
+/// While it lives, no file can grow beyond so many bytes: what is longer fails as on a full disk.
+class FullDisk {
+ public:
+  explicit FullDisk(rlim_t bytes) {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    handler_ = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{bytes, before_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FullDisk() {
+    setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, handler_);
+  }
+
+ private:
+  rlimit before_{};
+  void (*handler_)(int) = nullptr;
+};
+
+/// Permissions mean nothing to root, who runs tests in some places: while it lives, the process is somebody else.
+class NotRoot {
+ public:
+  NotRoot() : wasRoot_(::geteuid() == 0) {
+    if (wasRoot_) EXPECT_EQ(::seteuid(65534), 0);
+  }
+  ~NotRoot() {
+    if (!wasRoot_) return;
+    EXPECT_EQ(::seteuid(0), 0);
+    ::prctl(PR_SET_DUMPABLE, 1);  // or a leak checker may not look at the end
+  }
+
+ private:
+  bool wasRoot_;
+};
+
+class Messages : public WindowTest {
+ protected:
+  std::filesystem::path anyImage() {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(study())) {
+      if (entry.path().extension() == ".dcm") return entry.path();
+    }
+    return {};
+  }
+  std::size_t imagesInDatabase() {
+    std::size_t count = 0;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(database(), error))
+      count += entry.path().extension() == ".dcm";
+    return count;
+  }
+  bool isTold(const std::string& text) { return messages().find(text) != std::string::npos; }
+  /// How many pixels of a view have the colour in which it says why there is no image.
+  int inkOfProblem(int viewer) {
+    const QImage image = canvas(viewer).grab().toImage();
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+      for (int x = 0; x < image.width(); ++x) count += image.pixel(x, y) == qRgb(255, 200, 120);
+    }
+    return count;
+  }
+};
+
+TEST_F(Messages, AFileThatCannotBeReadIsNamedWhenItsFolderIsOpenedAndTheRestIsShown) {
+  const auto damaged = study() / "damaged.dcm";
+  std::filesystem::copy_file(anyImage(), damaged);
+  truncate(damaged, 300);
+  openStudy();
+  EXPECT_TRUE(isTold(damaged.string() + " cannot be used: ")) << messages();
+  EXPECT_GE(workstation().viewers().size(), 2U);
+}
+
+TEST_F(Messages, OfManyFilesThatCannotBeReadTheFirstAreNamedAndTheRestCounted) {
+  for (int number = 100; number < 130; ++number) writeText(study() / ("empty" + std::to_string(number) + ".dcm"), "");
+  openStudy();
+  EXPECT_TRUE(isTold("empty119.dcm"));
+  EXPECT_FALSE(isTold("empty120.dcm"));
+  EXPECT_TRUE(isTold("10 files more")) << messages();
+}
+
+TEST_F(Messages, AFileThatCannotBeReadIsNamedOnImportAndTheRestIsImported) {
+  const auto damaged = study() / "damaged.dcm";
+  std::filesystem::copy_file(anyImage(), damaged);
+  truncate(damaged, 300);
+  window_->importPaths({study()});
+  waitForTask();
+  EXPECT_TRUE(isTold(damaged.string() + " was not imported: ")) << messages();
+  EXPECT_EQ(window_->browser().tree().topLevelItemCount(), 1);
+  EXPECT_GT(imagesInDatabase(), 10U);
+}
+
+TEST_F(Messages, AFullDiskIsToldOnImportAndLeavesTheDatabaseAsItWas) {
+  {
+    const FullDisk disk(8192);
+    window_->importPaths({study()});
+    waitForTask();
+  }
+  EXPECT_TRUE(isTold((database() / "studies").string())) << messages();
+  EXPECT_TRUE(isTold("cannot be written: File too large")) << messages();
+  EXPECT_EQ(imagesInDatabase(), 0U);
+  EXPECT_EQ(window_->browser().tree().topLevelItemCount(), 0);
+  window_->importPaths({study()});
+  waitForTask();
+  EXPECT_EQ(window_->browser().tree().topLevelItemCount(), 1) << "once there is room again";
+}
+
+TEST_F(Messages, ADatabaseThatMayNotBeWrittenIsToldOnImport) {
+  using std::filesystem::perms;
+  std::filesystem::create_directories(database() / "studies");
+  std::filesystem::permissions(folder_, perms(0755));
+  for (const auto& folder : {database(), database() / "studies"}) std::filesystem::permissions(folder, perms(0555));
+  {
+    const NotRoot person;
+    window_->importPaths({study()});
+    waitForTask();
+  }
+  EXPECT_TRUE(isTold((database() / "studies").string())) << messages();
+  EXPECT_TRUE(isTold("Permission denied")) << messages();
+  EXPECT_EQ(imagesInDatabase(), 0U);
+  for (const auto& folder : {database(), database() / "studies"}) std::filesystem::permissions(folder, perms(0755));
+}
+
+TEST_F(Messages, ADatabaseThatCannotBeMadeIsToldOnImport) {
+  writeText(database(), "a file is in the way");
+  window_->importPaths({study()});
+  waitForTask();
+  EXPECT_TRUE(isTold("The database folder " + database().string() + " cannot be made")) << messages();
+  EXPECT_EQ(bytesOf(database()).size(), std::string("a file is in the way").size());
+}
+
+TEST_F(Messages, AFileThatVanishesWhileItIsShownIsNamedInItsView) {
+  openStudy();
+  const int viewer = sagittalViewer();
+  EXPECT_EQ(inkOfProblem(viewer), 0);
+  std::filesystem::remove_all(study());
+  desk_->pixels().clear();
+  wheel(viewer, 1);
+  EXPECT_GT(inkOfProblem(viewer), 50) << "the sentence that names the file";
+  wheel(viewer, -1);
+  EXPECT_GT(inkOfProblem(viewer), 50);
+}
+
+TEST_F(Messages, ALabellingThatCannotBeSavedIsToldInItsViewersUntilItIs) {
+  openStudy();
+  chooseLabels();
+  drag(sagittalViewer(), spineTop, spineEnd);
+  const std::vector<std::string> notSaved{"The labelling of this study is not saved yet."};
+  for (ViewerPane* pane : window_->grid().panes()) EXPECT_TRUE(pane->canvas().banners().empty());
+  desk_->store().setFailing(true);
+  ASSERT_TRUE(workstation().closePalette());
+  settle();
+  EXPECT_TRUE(isTold("no space is left on the device")) << messages();
+  EXPECT_TRUE(isTold(study().string())) << "the file is named";
+  for (ViewerPane* pane : window_->grid().panes()) EXPECT_EQ(pane->canvas().banners(), notSaved);
+  desk_->store().setFailing(false);
+  chooseLabels();
+  window_->palette().button("stopWorkFlow:")->click();
+  settle();
+  for (ViewerPane* pane : window_->grid().panes()) EXPECT_TRUE(pane->canvas().banners().empty());
+}
+
+TEST_F(Messages, AxialSlicesInAnotherFrameOfReferenceThanTheLabellingSaySo) {
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(study())) {
+    if (entry.path().extension() != ".dcm" || planeOf(onlyImage(entry.path())) != Plane::axial) continue;
+    edit(entry.path(), [](DcmDataset& data) { data.putAndInsertString(DCM_FrameOfReferenceUID, "1.2.3.4"); });
+  }
+  openStudy();
+  const int axial = axialViewer();
+  EXPECT_TRUE(canvas(axial).banners().empty()) << "nothing is labelled yet";
+  chooseLabels();
+  drag(sagittalViewer(), spineTop, spineEnd);
+  ASSERT_EQ(canvas(axial).banners().size(), 1U);
+  EXPECT_NE(canvas(axial).banners()[0].find("another frame of reference"), std::string::npos);
+  EXPECT_TRUE(canvas(sagittalViewer()).banners().empty());
+}
+
+}  // namespace
+}  // namespace workstation::test
