@@ -50,6 +50,13 @@ void MainWindow::makeWidgets() {
     QTimer::singleShot(0, this, [this, at] { showViewerMenu(at); });
   };
   canvasHooks_.maximised = [this](int) { grid_->setMaximised(!grid_->isMaximised()); };
+  // A panel that waits for the person must not do so in the middle of an event of the canvas.
+  canvasHooks_.textWanted = [this](int viewer, pelmar::PixelPoint at) {
+    QTimer::singleShot(0, this, [this, viewer, at] { writeText(viewer, at); });
+  };
+  canvasHooks_.textPicked = [this](int viewer, int text) {
+    QTimer::singleShot(0, this, [this, viewer, text] { rewriteText(viewer, text); });
+  };
   canvasHooks_.released = [this](int) { bannersStale_ = true; };
 
   auto* middle = new QWidget(this);

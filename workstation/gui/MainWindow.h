@@ -54,6 +54,10 @@ class MainWindow final : public QMainWindow {
   void markPoint(const MarkedPoint& point);
   void closeFrontViewer();
   void deleteSelected();
+  /// Asks for a text and writes it there.
+  void writeText(int viewer, pelmar::PixelPoint at);
+  /// Asks what a text shall say instead.
+  void rewriteText(int viewer, int text);
 
   /// Brings everything up to date with the model at once; else that happens after the event.
   void refresh();

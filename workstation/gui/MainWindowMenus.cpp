@@ -30,6 +30,10 @@ constexpr ToolChoice toolChoices[] = {
     {"Line", "L", "Press, drag and release to draw a line", MouseToolAnnotate, pelmar::ROIToolTagLength},
     {"Polygon", "G", "Click each point; a double click or Return ends it", MouseToolAnnotate,
      pelmar::ROIToolTagOpenPolygon},
+    {"Arrow", "A", "Press where it points to and drag to its other end", MouseToolAnnotate, pelmar::ROITypeArrow},
+    {"Point", "O", "Click where it is to be", MouseToolAnnotate, pelmar::ROITypePoint},
+    {"Text", "X", "Click where it is to stand; a double click on a text changes it", MouseToolAnnotate,
+     pelmar::ROITypeText},
 };
 
 struct GridChoice {

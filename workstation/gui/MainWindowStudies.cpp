@@ -233,6 +233,26 @@ void MainWindow::deleteSelected() {
   scheduleRefresh(true);
 }
 
+void MainWindow::writeText(int viewer, pelmar::PixelPoint at) {
+  const QString text = desk_.prompts().askText("Text on the image", "").trimmed();
+  if (text.isEmpty()) return;
+  // The viewer may have closed while the person wrote.
+  if (const auto added = desk_.workstation().addText(viewer, at, text.toStdString()); !added)
+    tellIfRefused(Outcome::refused(added.problem));
+  scheduleRefresh(true);
+}
+
+void MainWindow::rewriteText(int viewer, int text) {
+  for (const AnnotationInfo& annotation : desk_.workstation().annotations(viewer)) {
+    if (annotation.id != text) continue;
+    const QString was = QString::fromStdString(annotation.roi->name());
+    const QString now = desk_.prompts().askText("Text on the image", was).trimmed();
+    if (now.isEmpty() || now == was) return;
+    tellIfRefused(desk_.workstation().changeText(viewer, text, now.toStdString()));
+    return scheduleRefresh(true);
+  }
+}
+
 void MainWindow::quitModel() {
   Workstation& workstation = desk_.workstation();
   workstation.quit();

@@ -17,6 +17,8 @@ class Prompts {
   virtual bool confirm(const QString& question, const QString& explanation, const QString& action) = 0;
   /// Something could not be kept: whether to try once more.
   virtual bool tryAgain(const QString& problem, const QString& explanation, const QString& giveUp) = 0;
+  /// A line of text; empty when the person gave up.
+  virtual QString askText(const QString& title, const QString& text) = 0;
   /// A folder that exists; empty when the person gave up.
   virtual QString chooseFolder(const QString& title, const QString& start) = 0;
   /// Where to write a file; empty when the person gave up.

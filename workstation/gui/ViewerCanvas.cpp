@@ -158,6 +158,11 @@ void ViewerCanvas::mouseDoubleClickEvent(QMouseEvent* event) {
   const auto info = desk_.workstation().viewer(viewer_);
   const bool draws = info && info->tool == MouseToolAnnotate;
   const bool holds = desk_.workstation().wouldHold(viewer_, viewPoint(event->position()));
+  const auto text = desk_.workstation().textAt(viewer_, viewPoint(event->position()));
+  if (event->button() == Qt::LeftButton && text && !desk_.workstation().isDrawing(viewer_)) {
+    if (hooks_.textPicked) hooks_.textPicked(viewer_, text->id);
+    return;
+  }
   if (event->button() == Qt::LeftButton && !draws && !holds) {
     if (hooks_.maximised) hooks_.maximised(viewer_);
     return;
@@ -176,11 +181,20 @@ void ViewerCanvas::mouseReleaseEvent(QMouseEvent* event) {
   if (!button || !gestures_.isActive()) return;
   const bool clicked = !gestures_.wentFar();
   const bool held = desk_.workstation().holdsAnnotation(viewer_);
+  const bool writes = *button == PointerButton::left && clicked && !held && writesTextAt(event->position());
   gestures_.release(*button, viewPoint(event->position()));
   update();
   if (held && hooks_.released) hooks_.released(viewer_);
   if (*button == PointerButton::right && clicked && hooks_.menuRequested)
     hooks_.menuRequested(viewer_, event->globalPosition().toPoint());
+  if (writes && hooks_.textWanted)
+    hooks_.textWanted(viewer_, desk_.workstation().pixelAt(viewer_, viewPoint(event->position())));
+}
+
+bool ViewerCanvas::writesTextAt(QPointF at) {
+  const auto info = desk_.workstation().viewer(viewer_);
+  return info && info->tool == MouseToolAnnotate && info->roiTool == pelmar::ROITypeText &&
+         !desk_.workstation().textAt(viewer_, viewPoint(at));
 }
 
 void ViewerCanvas::mark(QPointF at) {
@@ -194,8 +208,12 @@ void ViewerCanvas::mark(QPointF at) {
 void ViewerCanvas::updateCursor(QPointF at) {
   const auto info = desk_.workstation().viewer(viewer_);
   const bool draws = info && info->tool == MouseToolAnnotate;
+  const bool writes = draws && info->roiTool == pelmar::ROITypeText;
   const bool holds = desk_.workstation().wouldHold(viewer_, viewPoint(at));
-  const Qt::CursorShape shape = holds ? Qt::PointingHandCursor : draws ? Qt::CrossCursor : Qt::ArrowCursor;
+  const Qt::CursorShape shape = holds    ? Qt::PointingHandCursor
+                                : writes ? Qt::IBeamCursor
+                                : draws  ? Qt::CrossCursor
+                                         : Qt::ArrowCursor;
   if (cursor().shape() != shape) setCursor(shape);
 }
 

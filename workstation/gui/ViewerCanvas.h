@@ -20,6 +20,10 @@ struct CanvasHooks {
   std::function<void(int viewer, QPoint globalPosition)> menuRequested;  ///< right click
   std::function<void(int viewer)> maximised;  ///< double click with a tool that does not draw
   std::function<void(int viewer)> released;   ///< an annotation was let go
+  /// A text is to be written there, with its tool.
+  std::function<void(int viewer, pelmar::PixelPoint at)> textWanted;
+  /// Double click on a text of the person's, by its id.
+  std::function<void(int viewer, int text)> textPicked;
 };
 
 /// What is shown besides the image and its annotations.
@@ -62,6 +66,8 @@ class ViewerCanvas final : public QWidget {
   pelmar::ViewPoint viewPoint(QPointF at) const { return {at.x(), height() - at.y()}; }
   void pressed(QMouseEvent* event, bool doubled);
   void mark(QPointF at);
+  /// Whether a click there writes a text.
+  bool writesTextAt(QPointF at);
   void updateCursor(QPointF at);
   bool scrollKey(int key);
 

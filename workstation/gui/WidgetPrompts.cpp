@@ -1,6 +1,7 @@
 #include "workstation/gui/WidgetPrompts.h"
 
 #include <QFileDialog>
+#include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
 
@@ -41,6 +42,12 @@ bool WidgetPrompts::tryAgain(const QString& problem, const QString& explanation,
   box.setDefaultButton(again);
   box.exec();
   return box.clickedButton() == again;
+}
+
+QString WidgetPrompts::askText(const QString& title, const QString& text) {
+  bool kept = false;
+  const QString written = QInputDialog::getText(parent_, title, "Text:", QLineEdit::Normal, text, &kept);
+  return kept ? written : QString();
 }
 
 QString WidgetPrompts::chooseFolder(const QString& title, const QString& start) {

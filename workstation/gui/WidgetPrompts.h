@@ -15,6 +15,7 @@ class WidgetPrompts final : public Prompts {
   void showAlert(const Alert& alert) override;
   bool confirm(const QString& question, const QString& explanation, const QString& action) override;
   bool tryAgain(const QString& problem, const QString& explanation, const QString& giveUp) override;
+  QString askText(const QString& title, const QString& text) override;
   QString chooseFolder(const QString& title, const QString& start) override;
   QString chooseNewFile(const QString& title, const QString& start, const QString& filter) override;
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "workstation/model/Host.h"
+#include "workstation/model/Shape.h"
 #include "workstation/model/View.h"
 
 namespace workstation {
@@ -17,40 +18,13 @@ using pelmar::ROI;
 
 /// How near the pointer must be to a vertex to take hold of it, in points of the view.
 constexpr double reachPoints = 8;
-/// How near it must be to an annotation's line.
-constexpr double lineReachPoints = 6;
+/// Font size of a text that a person writes, points.
+constexpr float textSize = 14;
 
 /// The annotation if it still stands somewhere.
 std::shared_ptr<Roi> living(const std::weak_ptr<Roi>& roi) {
   std::shared_ptr<Roi> object = roi.lock();
   return object && object->standsInAnyList() ? object : nullptr;
-}
-
-std::vector<PixelPoint> pixelsOfVertices(const Roi& roi) {
-  std::vector<PixelPoint> pixels;
-  const auto points = roi.points();
-  for (std::size_t index = 0; index < points->count(); ++index) pixels.push_back(points->objectAtIndex(index).point());
-  return pixels;
-}
-
-double distanceToSegment(pelmar::ViewPoint at, pelmar::ViewPoint a, pelmar::ViewPoint b) {
-  const double alongX = b.x - a.x;
-  const double alongY = b.y - a.y;
-  const double squared = alongX * alongX + alongY * alongY;
-  const double share =
-      squared > 0 ? std::clamp(((at.x - a.x) * alongX + (at.y - a.y) * alongY) / squared, 0.0, 1.0) : 0.0;
-  return std::hypot(a.x + share * alongX - at.x, a.y + share * alongY - at.y);
-}
-
-/// The line of an annotation as it is seen: its vertices, or a polygon's spline.
-std::vector<PixelPoint> lineOf(const Roi& roi) {
-  std::vector<PixelPoint> line = pixelsOfVertices(roi);
-  if (roi.type() != pelmar::ROITypeOpenPolygon) return line;
-  const auto spline = roi.splinePoints();
-  if (!spline || spline->empty()) return line;
-  line.clear();
-  for (const MyPoint& point : *spline) line.push_back(point.point());
-  return line;
 }
 
 }  // namespace
@@ -62,7 +36,7 @@ void Drawing::press(PixelPoint at) {
       pressVertex(grip.roi, grip.vertex, at);
       return;
     }
-    if (!view_.drawsWithLeftButton()) {
+    if (takesWhole()) {
       if (const auto roi = annotationWithinReach(at)) return pressWhole(roi, at);
     }
   }
@@ -78,7 +52,11 @@ std::shared_ptr<Roi> Drawing::pressToDraw(PixelPoint at) {
     return polygon;
   }
   const long tool = view_.drawsWithLeftButton() ? view_.annotationTool() : 0;
-  return tool == pelmar::ROIToolTagLength || tool == pelmar::ROIToolTagOpenPolygon ? begin(at, tool) : nullptr;
+  return tool == pelmar::ROIToolTagOpenPolygon || verticesOfStroke(tool) > 0 ? begin(at, tool) : nullptr;
+}
+
+bool Drawing::takesWhole() const {
+  return !view_.drawsWithLeftButton() || view_.annotationTool() == pelmar::ROITypeText;
 }
 
 std::shared_ptr<Roi> Drawing::begin(PixelPoint at, long type) {
@@ -86,11 +64,11 @@ std::shared_ptr<Roi> Drawing::begin(PixelPoint at, long type) {
   roi->setROIMode(pelmar::ROIModeDrawing);
   drawn_ = roi;
   pressed_ = roi;
-  const bool line = type == pelmar::ROITypeLength;
-  roi->setPoints(std::vector<MyPoint>(line ? 2 : 1, MyPoint::point(at)));
+  const bool isPolygon = type == pelmar::ROITypeOpenPolygon;
+  roi->setPoints(std::vector<MyPoint>(isPolygon ? 1 : verticesOfStroke(type), MyPoint::point(at)));
   view_.lists().list(static_cast<std::size_t>(view_.curImage())).addObject(Ref<ROI>(roi));
   postAdded(roi);
-  if (!line) postChanged(roi, false);
+  if (isPolygon) postChanged(roi, false);
   return roi;
 }
 
@@ -115,7 +93,7 @@ void Drawing::pressWhole(const std::shared_ptr<Roi>& roi, PixelPoint at) {
   pointer_ = at;
   deselectOthers(roi.get());
   roi->setROIMode(pelmar::ROIModeSelected);
-  grabbedShape_ = pixelsOfVertices(*roi);
+  grabbedShape_ = shapeOf(*roi);
   grabOffset_ = {-at.x, -at.y};
   pressed_ = roi;
 }
@@ -123,9 +101,10 @@ void Drawing::pressWhole(const std::shared_ptr<Roi>& roi, PixelPoint at) {
 void Drawing::drag(const std::shared_ptr<Roi>& roi, PixelPoint at) {
   const PixelPoint to{at.x + grabOffset_.x, at.y + grabOffset_.y};
   if (grabbedShape_.empty()) return setVertex(roi, vertex_, to);
-  std::vector<MyPoint> points;
-  for (const PixelPoint& was : grabbedShape_) points.push_back(MyPoint::point({was.x + to.x, was.y + to.y}));
-  roi->setPoints(points);
+  std::vector<PixelPoint> shape;
+  shape.reserve(grabbedShape_.size());
+  for (const PixelPoint& was : grabbedShape_) shape.push_back({was.x + to.x, was.y + to.y});
+  setShape(*roi, shape);
 }
 
 void Drawing::setVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, PixelPoint at) {
@@ -146,8 +125,8 @@ void Drawing::move(PixelPoint at) {
   if (living(dragged_)) {
     drag(pressed, at);
     postChanged(pressed, false);
-  } else if (drawn() == pressed && pressed->type() == pelmar::ROITypeLength) {
-    setVertex(pressed, 1, at);
+  } else if (drawn() == pressed && verticesOfStroke(pressed->type()) > 0) {
+    setVertex(pressed, verticesOfStroke(pressed->type()) - 1, at);
     postChanged(pressed, false);
   }
 }
@@ -161,9 +140,12 @@ void Drawing::release(PixelPoint at) {
   if (living(dragged_)) {
     drag(pressed, at);
     endDrag(pressed);
-  } else if (drawn() == pressed && pressed->type() == pelmar::ROITypeLength) {
-    setVertex(pressed, 1, at);
+  } else if (drawn() == pressed && verticesOfStroke(pressed->type()) > 0) {
+    setVertex(pressed, verticesOfStroke(pressed->type()) - 1, at);
     endDrawing(pressed);
+    // An arrow without a direction points nowhere.
+    if (pressed->type() == pelmar::ROITypeArrow && pressed->distinctPoints() < 2)
+      return view_.host().roiClass().deleteROI(Ref<ROI>(pressed));
   }
   postChanged(pressed, true);
 }
@@ -194,7 +176,7 @@ void Drawing::endDrag(const std::shared_ptr<Roi>& roi) {
   roi->setROIMode(pelmar::ROIModeSelected);
   dragged_.reset();
   if (!grabbedShape_.empty()) {
-    view_.host().undo().shapeMoved(view_, roi, std::exchange(grabbedShape_, {}), pixelsOfVertices(*roi));
+    view_.host().undo().shapeMoved(view_, roi, std::exchange(grabbedShape_, {}), shapeOf(*roi));
     return;
   }
   view_.host().undo().vertexMoved(view_, roi, vertex_, grabbedAt_, roi->pointAtIndex(static_cast<long>(vertex_)));
@@ -206,10 +188,26 @@ void Drawing::changeVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, 
 }
 
 void Drawing::changeShape(const std::shared_ptr<Roi>& roi, const std::vector<PixelPoint>& to) {
-  std::vector<MyPoint> points;
-  points.reserve(to.size());
-  for (const PixelPoint& point : to) points.push_back(MyPoint::point(point));
-  roi->setPoints(points);
+  setShape(*roi, to);
+  postChanged(roi, true);
+}
+
+std::shared_ptr<Roi> Drawing::addText(PixelPoint at, const std::string& text) {
+  const auto roi =
+      view_.host().roiClassObject().drawnRoi(pelmar::ROITypeText, Ref<pelmar::DCMView>(view_.shared_from_this()));
+  roi->setName(text);
+  roi->setROIRect({at, {}});
+  roi->setThickness(textSize);
+  deselectOthers(nullptr);
+  roi->setROIMode(pelmar::ROIModeSelected);
+  view_.lists().list(static_cast<std::size_t>(view_.curImage())).addObject(Ref<ROI>(roi));
+  view_.host().undo().drawn(view_, roi);
+  postAdded(roi);
+  return roi;
+}
+
+void Drawing::changeText(const std::shared_ptr<Roi>& roi, const std::string& text) {
+  roi->setName(text);
   postChanged(roi, true);
 }
 
@@ -233,17 +231,13 @@ bool Drawing::holds() const { return living(pressed_) != nullptr; }
 
 bool Drawing::wouldHold(PixelPoint at) const {
   if (drawn()) return false;
-  return vertexWithinReach(at).roi || (!view_.drawsWithLeftButton() && annotationWithinReach(at));
+  return vertexWithinReach(at).roi || (takesWhole() && annotationWithinReach(at));
 }
 
 bool Drawing::isWithinReach(const Roi& roi, const pelmar::ViewPoint& pointer) const {
-  if (!roi.selectable() || roi.type() == pelmar::ROITypeText) return false;
-  const std::vector<PixelPoint> line = lineOf(roi);
-  for (std::size_t index = 0; index < line.size(); ++index) {
-    const pelmar::ViewPoint a = view_.ConvertFromGL2NSView(line[index > 0 ? index - 1 : 0]);
-    if (distanceToSegment(pointer, a, view_.ConvertFromGL2NSView(line[index])) <= lineReachPoints) return true;
-  }
-  return false;
+  if (!roi.selectable()) return false;
+  if (roi.type() != pelmar::ROITypeText) return isOnLine(view_, roi, pointer);
+  return roi.drawnByPerson() && isOnText(view_, roi, pointer);
 }
 
 std::shared_ptr<Roi> Drawing::annotationWithinReach(PixelPoint at) const {

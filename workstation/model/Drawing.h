@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "host/Geometry.h"
@@ -12,15 +13,16 @@ class View;
 
 /// What the left button and the keys do to the annotations of one view. Positions are pixels of the shown slice.
 ///
-/// A line lives from press to release, a polygon over many clicks until a double click, Return, a choice of tool or
-/// stop(). The plug-in hears of every step and may do anything to the annotation meanwhile, so that after each
-/// notification the annotation is looked at anew.
+/// A line, an arrow and a point live from press to release, a polygon over many clicks until a double click, Return, a
+/// choice of tool or stop(); a text is there at once. The plug-in hears of every step and may do anything to the
+/// annotation meanwhile, so that after each notification the annotation is looked at anew.
 class Drawing {
  public:
   explicit Drawing(View& view) : view_(view) {}
 
   /// Goes on with a polygon, or drags a vertex of a selected annotation within reach, or begins an annotation when
-  /// the left button draws; when it does not, selects an annotation within reach and drags it as a whole.
+  /// the left button draws; when it does not, or writes text, selects an annotation within reach and drags it as a
+  /// whole.
   void press(pelmar::PixelPoint at);
   /// The same without a look for vertices. Answers what was begun or gone on with, which may be gone by then; null
   /// when the left button does not draw.
@@ -41,6 +43,10 @@ class Drawing {
   void changeVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, pelmar::PixelPoint to);
   /// Puts all vertices of an annotation elsewhere and posts the change with "mouseUp".
   void changeShape(const std::shared_ptr<Roi>& roi, const std::vector<pelmar::PixelPoint>& to);
+  /// Places a text of the person's, selected, on the slice that is shown, centred there.
+  std::shared_ptr<Roi> addText(pelmar::PixelPoint at, const std::string& text);
+  /// Changes a text and posts the change with "mouseUp".
+  void changeText(const std::shared_ptr<Roi>& roi, const std::string& text);
   /// Posts that an annotation was added.
   void postAdded(const std::shared_ptr<Roi>& roi);
   /// Forgets everything; the view shows something else or goes.
@@ -52,8 +58,9 @@ class Drawing {
   bool wouldHold(pelmar::PixelPoint at) const;
   /// Whether the button that is pressed draws or holds an annotation.
   bool holds() const;
-  /// The selectable annotation of the shown slice whose line passes the pixel within reach, the uppermost one; null
-  /// when there is none. Texts are passed over: their place is not the person's to choose.
+  /// The selectable annotation of the shown slice whose line passes the pixel within reach, or a text of the person's
+  /// that covers it, the uppermost one; null when there is none. The place of other texts is not the person's to
+  /// choose.
   std::shared_ptr<Roi> annotationWithinReach(pelmar::PixelPoint at) const;
   /// Whether it is one of those that annotationWithinReach looks for; `pointer` as the view has it.
   bool isWithinReach(const Roi& roi, const pelmar::ViewPoint& pointer) const;
@@ -68,6 +75,8 @@ class Drawing {
     std::size_t vertex = 0;
   };
 
+  /// Whether a press beside vertices takes hold of an annotation as a whole.
+  bool takesWhole() const;
   Grip vertexWithinReach(pelmar::PixelPoint at) const;
   std::shared_ptr<Roi> begin(pelmar::PixelPoint at, long type);
   void addVertex(const std::shared_ptr<Roi>& roi, pelmar::PixelPoint at);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "workstation/model/Host.h"
+#include "workstation/model/Shape.h"
 #include "workstation/model/View.h"
 
 namespace workstation {
@@ -20,18 +21,9 @@ bool standsOn(const View& view, const Roi& roi) {
                      [&](const Roi::Membership& membership) { return membership.lists == &view.lists(); });
 }
 
-bool hasShape(const Roi& roi, const std::vector<PixelPoint>& shape) {
-  const auto points = roi.points();
-  if (points->count() != shape.size()) return false;
-  for (std::size_t index = 0; index < shape.size(); ++index) {
-    if (!(points->objectAtIndex(index).point() == shape[index])) return false;
-  }
-  return true;
-}
-
 }  // namespace
 
-void Undo::add(View& view, std::variant<VertexMove, ShapeMove, Presence> what) {
+void Undo::add(View& view, Change what) {
   undone_.clear();
   done_.push_back({view.weak_from_this(), std::move(what)});
 }
@@ -46,6 +38,11 @@ void Undo::shapeMoved(View& view, const std::shared_ptr<Roi>& roi, std::vector<P
                       std::vector<PixelPoint> to) {
   if (from == to) return;
   add(view, ShapeMove{roi, std::move(from), std::move(to)});
+}
+
+void Undo::textChanged(View& view, const std::shared_ptr<Roi>& roi, const std::string& from, const std::string& to) {
+  if (from == to) return;
+  add(view, TextChange{roi, from, to});
 }
 
 void Undo::drawn(View& view, const std::shared_ptr<Roi>& roi) { add(view, Presence{roi, nullptr, {}, false}); }
@@ -80,7 +77,11 @@ bool Undo::holds(const Edit& edit, Direction direction) {
   }
   if (const auto* shape = std::get_if<ShapeMove>(&edit.what)) {
     const auto roi = shape->roi.lock();
-    return roi && standsOn(*view, *roi) && hasShape(*roi, direction == Direction::back ? shape->to : shape->from);
+    return roi && standsOn(*view, *roi) && shapeOf(*roi) == (direction == Direction::back ? shape->to : shape->from);
+  }
+  if (const auto* text = std::get_if<TextChange>(&edit.what)) {
+    const auto roi = text->roi.lock();
+    return roi && standsOn(*view, *roi) && roi->name() == (direction == Direction::back ? text->to : text->from);
   }
   const auto& presence = std::get<Presence>(edit.what);
   const auto roi = presence.roi.lock();
@@ -105,6 +106,9 @@ bool Undo::step(Edits& from, Edits& onto, Direction direction) {
     move(*view, VertexMove(*moved), direction);
   } else if (const auto* shape = std::get_if<ShapeMove>(&what)) {
     move(*view, ShapeMove(*shape), direction);
+  } else if (const auto* text = std::get_if<TextChange>(&what)) {
+    const TextChange change = *text;
+    view->drawing().changeText(change.roi.lock(), direction == Direction::back ? change.from : change.to);
   } else if (auto& presence = std::get<Presence>(what); presence.deleted == (direction == Direction::again)) {
     takeOut(*view, presence);
   } else {

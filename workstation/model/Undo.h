@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <variant>
 #include <vector>
 
@@ -15,8 +16,8 @@ class View;
 class Viewer;
 
 /// What a person did to annotations and can take back: moves of vertices and of whole annotations, whoever made the
-/// annotation, and drawing and deleting annotations of their own. The plug-in hears of taking back and doing again as
-/// of an edit by hand: of the change with its "mouseUp", the addition or the removal.
+/// annotation, and drawing, deleting and rewriting annotations of their own. The plug-in hears of taking back and doing
+/// again as of an edit by hand: of the change with its "mouseUp", the addition or the removal.
 ///
 /// What has become of an annotation since may make an edit meaningless: the plug-in took it away, or put its vertices
 /// elsewhere. Such edits are passed over. A fresh edit ends what could be done again. The edits of a viewer are
@@ -30,6 +31,8 @@ class Undo {
   /// All vertices were moved together.
   void shapeMoved(View& view, const std::shared_ptr<Roi>& roi, std::vector<pelmar::PixelPoint> from,
                   std::vector<pelmar::PixelPoint> to);
+  /// A text of the person's says something else.
+  void textChanged(View& view, const std::shared_ptr<Roi>& roi, const std::string& from, const std::string& to);
   /// The drawing of the annotation has ended.
   void drawn(View& view, const std::shared_ptr<Roi>& roi);
   /// The annotation is about to be deleted by the person.
@@ -70,13 +73,19 @@ class Undo {
     std::vector<Place> places;  ///< where it is put back
     bool deleted = false;       ///< by the edit; else it was drawn
   };
+  struct TextChange {
+    std::weak_ptr<Roi> roi;
+    std::string from;
+    std::string to;
+  };
+  using Change = std::variant<VertexMove, ShapeMove, Presence, TextChange>;
   struct Edit {
     std::weak_ptr<View> view;
-    std::variant<VertexMove, ShapeMove, Presence> what;
+    Change what;
   };
   using Edits = std::vector<Edit>;
 
-  void add(View& view, std::variant<VertexMove, ShapeMove, Presence> what);
+  void add(View& view, Change what);
   static bool holds(const Edit& edit, Direction direction);
   static Edits::const_reverse_iterator lastThatHolds(const Edits& edits, Direction direction);
   static bool step(Edits& from, Edits& onto, Direction direction);

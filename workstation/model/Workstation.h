@@ -194,7 +194,8 @@ class Workstation {
 
   /// Chooses a mouse tool (see MouseTool; other tags are kept and do nothing).
   Outcome selectMouseTool(int viewer, long tag);
-  /// Chooses an annotation tool: 5 length line, 10 open polygon. The left button then draws with it.
+  /// Chooses an annotation tool: 5 length line, 10 open polygon, 13 text, 14 arrow (from its head to its other end), 19
+  /// point. The left button then draws with it; with a text it only takes hold of what is there, see addText.
   Outcome selectRoiTool(int viewer, long tag);
 
   /// The left button, with the pointer at a pixel of the shown slice, which need not be whole nor inside the image.
@@ -238,10 +239,17 @@ class Workstation {
   Outcome dragVertex(int viewer, int annotation, int vertex, pelmar::PixelPoint to, int moves = 4);
   /// Deletes an annotation of the viewer as a person does; its removal is posted.
   Outcome deleteAnnotation(int viewer, int annotation);
+  /// Writes a text of the person's on the shown slice, centred at the pixel, and selects it. Answers its id. The text
+  /// must not be empty.
+  Result<int> addText(int viewer, pelmar::PixelPoint at, const std::string& text);
+  /// Changes such a text; not to an empty one.
+  Outcome changeText(int viewer, int annotation, const std::string& text);
+  /// The text of the person's that covers a point of the image view; nothing when there is none.
+  std::optional<AnnotationInfo> textAt(int viewer, pelmar::ViewPoint at) const;
   /// Takes the person's last edit back, in whichever viewer it was: the move of a vertex or of a whole annotation, or
-  /// the drawing or deletion of an annotation of their own. The plug-in hears of it as of an edit. Edits that have lost
-  /// their meaning, because the plug-in took the annotation or its vertices elsewhere, are passed over; those of a
-  /// viewer go when it closes or shows another series.
+  /// the drawing, change or deletion of an annotation of their own. The plug-in hears of it as of an edit. Edits that
+  /// have lost their meaning, because the plug-in took the annotation or its vertices elsewhere, are passed over; those
+  /// of a viewer go when it closes or shows another series.
   Outcome undo();
   /// Does again what was taken back last; a fresh edit ends that.
   Outcome redo();

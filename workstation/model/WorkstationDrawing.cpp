@@ -3,6 +3,7 @@
 #include <unordered_map>
 
 #include "workstation/model/Interior.h"
+#include "workstation/model/Shape.h"
 
 namespace workstation {
 namespace {
@@ -56,9 +57,9 @@ Outcome Workstation::selectMouseTool(int viewer, long tag) {
 
 Outcome Workstation::selectRoiTool(int viewer, long tag) {
   return interior_->withViewer(viewer, [&](Viewer& chosen) -> Outcome {
-    if (tag != pelmar::ROIToolTagLength && tag != pelmar::ROIToolTagOpenPolygon) {
+    if (tag != pelmar::ROITypeOpenPolygon && tag != pelmar::ROITypeText && verticesOfStroke(tag) == 0) {
       return Outcome::refused("There is no annotation tool " + std::to_string(tag) +
-                              ": choose 5 (length line) or 10 (open polygon).");
+                              ": choose 5 (length line), 10 (open polygon), 13 (text), 14 (arrow) or 19 (point).");
     }
     chosen.setROIToolTag(tag);
     return Outcome::done();
@@ -226,6 +227,39 @@ Outcome Workstation::deleteAnnotation(int viewer, int annotation) {
     }
     return noAnnotation(viewer, annotation);
   });
+}
+
+Result<int> Workstation::addText(int viewer, PixelPoint at, const std::string& text) {
+  const auto shown = interior_->find(viewer);
+  if (!shown) return Result<int>::refused(*interior_->notOpen(viewer).problem);
+  if (text.empty()) return Result<int>::refused("A text annotation needs at least one letter.");
+  return Result<int>::of(interior_->run([&] { return shown->view().drawing().addText(at, text)->id(); }));
+}
+
+Outcome Workstation::changeText(int viewer, int annotation, const std::string& text) {
+  return interior_->withViewer(viewer, [&](Viewer& shown) -> Outcome {
+    if (text.empty()) return Outcome::refused("A text annotation needs at least one letter.");
+    for (const AnnotationInfo& info : annotations(viewer)) {
+      if (info.id != annotation || !info.drawnByPerson || info.roi->type() != pelmar::ROITypeText) continue;
+      const auto roi = std::static_pointer_cast<Roi>(info.roi.shared());
+      interior_->host.undo().textChanged(shown.view(), roi, roi->name(), text);
+      shown.view().drawing().changeText(roi, text);
+      return Outcome::done();
+    }
+    return Outcome::refused("Viewer " + std::to_string(viewer) + " holds no text of the person's with the id " +
+                            std::to_string(annotation) + ".");
+  });
+}
+
+std::optional<AnnotationInfo> Workstation::textAt(int viewer, pelmar::ViewPoint at) const {
+  const auto shown = interior_->find(viewer);
+  if (!shown) return std::nullopt;
+  const auto roi = shown->view().drawing().annotationWithinReach(shown->view().ConvertFromNSView2GL(at));
+  if (!roi || roi->type() != pelmar::ROITypeText) return std::nullopt;
+  for (AnnotationInfo& info : annotations(viewer, static_cast<int>(shown->view().curImage()))) {
+    if (info.id == roi->id()) return std::move(info);
+  }
+  return std::nullopt;
 }
 
 Outcome Workstation::undo() {

@@ -1,5 +1,7 @@
 #include "workstation/render/AnnotationPainter.h"
 
+#include <QPainterPath>
+#include <QPainterPathStroker>
 #include <QPolygonF>
 #include <algorithm>
 #include <cmath>
@@ -12,6 +14,9 @@ namespace {
 constexpr double captionSize = 12;
 constexpr double captionGap = 8;
 constexpr double handleSize = 6;
+constexpr double frameGap = 4;
+/// Of the dark line around an arrow, which keeps it visible over bright ground.
+constexpr double outlineWidth = 1.25;
 /// Farther out nothing is seen, and the painter's numbers stay exact.
 constexpr double farthest = 1e6;
 
@@ -70,11 +75,25 @@ class AnnotationPainting {
   void paintText() {
     const QPointF centre = onDisplay(picture_.transform, annotation_.vertices.front());
     const double lineHeight = TextStamps::lineHeight(thickness_);
+    if (annotation_.handles) paintFrame(centre, lineHeight * static_cast<double>(annotation_.lines.size()));
     const double first = -lineHeight * (static_cast<double>(annotation_.lines.size()) - 1) / 2;
     for (std::size_t line = 0; line < annotation_.lines.size(); ++line) {
       const QPointF at = centre + QPointF(0, first + lineHeight * static_cast<double>(line));
       stamps_.writeCentred(painter_, at, QString::fromStdString(annotation_.lines[line]), {thickness_, colour_});
     }
+  }
+
+  /// Around a text that is selected.
+  void paintFrame(QPointF centre, double height) {
+    double widest = 0;
+    for (const std::string& line : annotation_.lines)
+      widest = std::max(widest, TextStamps::widthOf(QString::fromStdString(line), {thickness_, colour_}));
+    const QRectF box(centre.x() - widest / 2 - frameGap, centre.y() - height / 2, widest + 2 * frameGap, height);
+    painter_.setBrush(Qt::NoBrush);
+    painter_.setPen(QPen(Qt::black, 3));
+    painter_.drawRect(box);
+    painter_.setPen(QPen(Qt::white, 1, Qt::DashLine));
+    painter_.drawRect(box);
   }
 
   void paintPoint() {
@@ -84,7 +103,7 @@ class AnnotationPainting {
     painter_.drawEllipse(onDisplay(picture_.transform, annotation_.vertices.front()), radius, radius);
   }
 
-  /// The head is the first vertex. The shaft ends in the head's base, so that a see-through arrow has one shade.
+  /// The head is the first vertex. Shaft and head are one shape, so that a see-through arrow has one shade.
   void paintArrow() {
     const QPolygonF points = displayed(annotation_.vertices);
     if (points.size() < 2) return paintPoint();
@@ -97,13 +116,21 @@ class AnnotationPainting {
     const double headLength = std::min(length, std::max(10.0, 5 * thickness_));
     const double headHalfWidth = 0.4 * headLength;
     const QPointF base = tip + headLength * along;
-    if (length > headLength) {
-      painter_.setPen(QPen(colour_, thickness_, Qt::SolidLine, Qt::FlatCap));
-      painter_.drawLine(points[1], base);
-    }
-    painter_.setPen(Qt::NoPen);
-    painter_.setBrush(colour_);
-    painter_.drawPolygon(QPolygonF{tip, base + headHalfWidth * across, base - headHalfWidth * across});
+    const QPointF side = thickness_ / 2 * across;
+    QPolygonF shape{tip, base + headHalfWidth * across};
+    if (length > headLength) shape << base + side << points[1] + side << points[1] - side << base - side;
+    shape << base - headHalfWidth * across;
+    QPainterPath whole;
+    whole.addPolygon(shape);
+    whole.closeSubpath();
+    QPainterPathStroker around;
+    around.setWidth(2 * outlineWidth);
+    around.setJoinStyle(Qt::RoundJoin);
+    // Beneath a see-through arrow it would be seen; cut out beneath another, it would leave a bright seam.
+    const QPainterPath outline = around.createStroke(whole);
+    const bool isOpaque = colour_.alpha() == 255;
+    painter_.fillPath(isOpaque ? outline : outline.subtracted(whole), QColor(0, 0, 0, colour_.alpha()));
+    painter_.fillPath(whole, colour_);
   }
 
   /// Beside the last vertex, on the side where there is room.

@@ -132,6 +132,64 @@ TEST_F(Labelling, AVertexIsDraggedAndTheMoveIsTakenBackByTheMenu) {
   EXPECT_NEAR(curve()->pointAtIndex(2).x, was.x, 1e-9);
 }
 
+TEST_F(Labelling, IsNotDisturbedByArrowsPointsAndTextsOfThePersons) {
+  openStudy();
+  chooseLabels();
+  const int viewer = sagittalViewer();
+  drag(viewer, spineTop, spineEnd);
+  const auto names = planeNames();
+  ASSERT_GE(names.size(), 5U);
+  const auto shape = [&] {
+    std::vector<pelmar::PixelPoint> points;
+    for (std::size_t vertex = 0; vertex < curve()->points()->count(); ++vertex)
+      points.push_back(curve()->pointAtIndex(static_cast<long>(vertex)));
+    return points;
+  };
+  const auto before = shape();
+  const auto annotations = workstation().annotations(viewer).size();
+  ASSERT_TRUE(workstation().selectRoiTool(viewer, pelmar::ROITypeArrow));
+  drag(viewer, {30, 30}, {50, 60});
+  ASSERT_TRUE(workstation().selectRoiTool(viewer, pelmar::ROITypePoint));
+  drag(viewer, {30, 90}, {31, 90});
+  ASSERT_TRUE(workstation().addText(viewer, {30, 120}, "L4"));
+  settle();
+  EXPECT_EQ(workstation().annotations(viewer).size(), annotations + 3);
+  EXPECT_EQ(planeNames(), names);
+  EXPECT_EQ(shape(), before);
+  for (int step = 0; step < 3; ++step) ASSERT_TRUE(workstation().undo());
+  EXPECT_EQ(workstation().annotations(viewer).size(), annotations);
+  EXPECT_EQ(planeNames(), names);
+}
+
+TEST_F(Labelling, ClosingTheViewerInTheMiddleOfTheLineLeavesAWindowThatWorks) {
+  openStudy();
+  chooseLabels();
+  const int viewer = sagittalViewer();
+  const auto open = workstation().viewers().size();
+  drag(viewer, spineTop, {80, 90}, false);
+  window_->closeFrontViewer();
+  settle();
+  EXPECT_EQ(workstation().viewers().size(), open - 1);
+  EXPECT_EQ(window_->grid().panes().size(), open - 1);
+  EXPECT_EQ(window_->grid().pane(viewer), nullptr);
+  openStudy();
+  chooseLabels();
+  drag(sagittalViewer(), spineTop, spineEnd);
+  EXPECT_GE(planeNames().size(), 5U);
+}
+
+TEST_F(Labelling, AViewerThatIsHiddenInTheMiddleOfTheLineEndsIt) {
+  openStudy();
+  chooseLabels();
+  const int viewer = sagittalViewer();
+  drag(viewer, spineTop, {80, 130}, false);
+  ASSERT_TRUE(workstation().isDrawing(viewer));
+  ASSERT_TRUE(workstation().bringToFront(axialViewer()));
+  window_->grid().setSize({1, 1});
+  settle();
+  EXPECT_FALSE(workstation().isDrawing(viewer));
+}
+
 TEST_F(Labelling, ClosingTheWindowInTheMiddleOfTheLineLeavesNothingBehind) {
   openStudy();
   chooseLabels();

@@ -183,6 +183,52 @@ TEST_F(Viewers, AClickWithALookingToolSelectsAnAnnotationAndDragsItWhole) {
   EXPECT_NEAR(line->pointAtIndex(0).x, 40, 1e-9) << "the move of the whole is taken back";
 }
 
+TEST_F(Viewers, ATextIsWrittenWhereThePersonClicksAndRewrittenByADoubleClick) {
+  openStudy();
+  const int viewer = sagittalViewer();
+  click("Text");
+  prompts_.written = "  fracture  ";
+  press(viewer, {60, 50});
+  release(viewer, {60, 50});
+  settle();
+  ASSERT_EQ(workstation().annotations(viewer).size(), 1U);
+  const auto text = workstation().annotations(viewer)[0].roi;
+  EXPECT_EQ(text->name(), "fracture");
+  EXPECT_NEAR(text->rect().origin.x, 60, 0.01);
+  EXPECT_NEAR(text->rect().origin.y, 50, 0.01);
+  drag(viewer, {60, 50}, {80, 90});
+  EXPECT_NEAR(text->rect().origin.y, 90, 0.01) << "dragged, and none written";
+  ASSERT_EQ(workstation().annotations(viewer).size(), 1U);
+  prompts_.written = "old fracture";
+  mouse(viewer, QEvent::MouseButtonDblClick, at(viewer, {80, 90}));
+  release(viewer, {80, 90});
+  settle();
+  EXPECT_EQ(prompts_.textsOffered.back(), "fracture");
+  EXPECT_EQ(text->name(), "old fracture");
+  click("&Undo");
+  EXPECT_EQ(text->name(), "fracture");
+  click("&Delete selected annotation");
+  EXPECT_TRUE(workstation().annotations(viewer).empty());
+}
+
+TEST_F(Viewers, NoTextNoAnnotationAndNoneInAViewerThatClosedMeanwhile) {
+  openStudy();
+  const int viewer = sagittalViewer();
+  click("Text");
+  prompts_.written = " ";
+  press(viewer, {60, 50});
+  release(viewer, {60, 50});
+  settle();
+  EXPECT_EQ(prompts_.textsOffered.size(), 1U);
+  EXPECT_TRUE(workstation().annotations(viewer).empty());
+  prompts_.written = "too late";
+  prompts_.duringText = [&] { ASSERT_TRUE(workstation().closeViewer(viewer)); };
+  press(viewer, {60, 50});
+  release(viewer, {60, 50});
+  settle();
+  EXPECT_FALSE(workstation().viewer(viewer));
+}
+
 TEST_F(Viewers, WhatIsPaintedIsTheImageAndTheLine) {
   openStudy();
   const int viewer = sagittalViewer();

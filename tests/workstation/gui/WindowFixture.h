@@ -35,6 +35,11 @@ class AnsweringPrompts final : public Prompts {
     if (beforeNextTry) beforeNextTry();
     return unsaved.size() <= triesMore;
   }
+  QString askText(const QString&, const QString& text) override {
+    textsOffered.push_back(text.toStdString());
+    if (duringText) duringText();
+    return written;
+  }
   QString chooseFolder(const QString&, const QString& from) override {
     start = from;
     return folder;
@@ -44,10 +49,13 @@ class AnsweringPrompts final : public Prompts {
   std::vector<std::string> alerts;
   std::vector<std::string> questions;
   std::vector<std::string> unsaved;
+  std::vector<std::string> textsOffered;
   std::function<void()> duringAlert;
+  std::function<void()> duringText;
   std::function<void()> beforeNextTry;
   bool confirms = true;
   std::size_t triesMore = 0;
+  QString written;
   QString folder;
   QString start;  ///< where the last folder was looked for
 };

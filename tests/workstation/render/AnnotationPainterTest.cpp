@@ -145,6 +145,34 @@ TEST(AnnotationPainter, ArrowHasItsHeadAtTheFirstPoint) {
   EXPECT_EQ(heightAt(121), 0);      // beyond the tip at x = 120
 }
 
+TEST(AnnotationPainter, ArrowAndPointHaveADarkOutlineOnBrightGround) {
+  for (const long type : {pelmar::ROITypeArrow, pelmar::ROITypePoint}) {
+    ViewPicture picture = emptyPicture();
+    picture.annotations = {annotationOf(type, {{50, 50}, {20, 50}})};
+    TextStamps stamps;
+    QImage image = canvas(200, 200, Qt::white);
+    QPainter painter(&image);
+    paintAnnotations(painter, picture, stamps);
+    painter.end();
+    int dark = 0;
+    for (int y = 0; y < 200; ++y) dark += qGray(image.pixel(96, y)) < 60;  // red is brighter than that
+    EXPECT_GE(dark, 2) << type << ": above and below";
+  }
+}
+
+TEST(AnnotationPainter, ASelectedTextHasAFrame) {
+  PaintedAnnotation annotation = annotationOf(pelmar::ROITypeText, {{50, 50}});
+  annotation.lines = {"HHH"};
+  annotation.thickness = 20;
+  annotation.colour = {1, 0.8, 0.2, 1};
+  EXPECT_TRUE(inkOf(painted(annotation), Qt::white).isNull());
+  annotation.handles = true;
+  const QImage image = painted(annotation);
+  const QRect frame = inkOf(image, Qt::white, 120);
+  EXPECT_TRUE(frame.contains(inkOf(image, QColor(255, 204, 51), 60)));
+  EXPECT_LT(frame.width(), 110);
+}
+
 TEST(AnnotationPainter, TextIsCentredAndUprightHoweverTheImageLies) {
   ViewPicture picture = emptyPicture();
   picture.annotations = {annotationOf(pelmar::ROITypeText, {{60, 30}})};
