@@ -156,6 +156,7 @@ void BrowserPanel::fillStudy(QTreeWidgetItem& item) {
   if (item.data(0, filledRole).toBool()) return;
   item.setData(0, filledRole, true);
   if (!desk_.addStudy(study)) return;
+  desk_.takeChanges(study);
   for (const StackId& id : desk_.workstation().stacks(study)) {
     auto* child = new QTreeWidgetItem(&item);
     child->setText(0, QString::fromStdString(stackTitle(desk_.workstation(), id)));
@@ -194,6 +195,7 @@ void BrowserPanel::showMenu(QPoint at) {
 
 QIcon BrowserPanel::thumbnail(const StackId& id) {
   const Stack* stack = desk_.workstation().stack(id);
+  if (!stack) return {};  // its study has changed
   const ImageRecord& image = stack->slices[stack->slices.size() / 2];
   QIcon& icon = thumbnails_[image.file.string() + '\n' + std::to_string(image.frame)];
   if (icon.isNull()) {

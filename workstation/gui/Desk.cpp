@@ -1,6 +1,14 @@
 #include "workstation/gui/Desk.h"
 
+#include <set>
+
 namespace workstation {
+namespace {
+
+/// A slice, whatever file it lies in.
+std::pair<std::string, int> nameOf(const ImageRecord& slice) { return {slice.sopInstanceUid, slice.frame}; }
+
+}  // namespace
 
 Desk::Desk(const DeskOptions& options, Prompts& prompts)
     : prompts_(prompts),
@@ -44,6 +52,30 @@ Outcome Desk::addStudy(const std::string& studyUid) {
   }
   workstation().addImages(std::move(images));
   return Outcome::done();
+}
+
+StudyChange Desk::changeOf(const std::string& studyUid) {
+  const Study* known = workstation().study(studyUid);
+  if (!known) return {};
+  std::set<std::pair<std::string, int>> before;
+  for (const Series& series : known->series) {
+    for (const Stack& stack : series.stacks) {
+      for (const ImageRecord& slice : stack.slices) before.insert(nameOf(slice));
+    }
+  }
+  StudyChange change;
+  for (const ImageRecord& image : folders_.images(studyUid)) {
+    ++change.left;
+    if (before.erase(nameOf(image)) == 0) ++change.added;
+  }
+  change.gone = before.size();
+  return change;
+}
+
+bool Desk::takeChanges(const std::string& studyUid) {
+  const StudyChange change = changeOf(studyUid);
+  if (change.left == 0 || change.added + change.gone == 0) return false;
+  return static_cast<bool>(workstation().replaceStudy(folders_.images(studyUid)));
 }
 
 bool Desk::hasLabellingInMemory() {

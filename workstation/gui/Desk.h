@@ -23,6 +23,13 @@ struct DeskOptions {
   double screenHeight = 1200;
 };
 
+/// How many images of a study came and went.
+struct StudyChange {
+  std::size_t added = 0;
+  std::size_t gone = 0;
+  std::size_t left = 0;  ///< that it has now
+};
+
 /// Everything of a run but the window: the studies at hand, the workstation with the plug-in, decoded pixels. What the
 /// model tells is passed on to the window, if there is one. Must outlive the window. No widget is in it.
 class Desk {
@@ -49,6 +56,12 @@ class Desk {
 
   /// Adds the study's images to the workstation unless they are there. Refused when it is nowhere.
   Outcome addStudy(const std::string& studyUid);
+  /// What came or went of the images of a study since it was added to the workstation, by what is known of its files;
+  /// nothing for one that was not added.
+  StudyChange changeOf(const std::string& studyUid);
+  /// Takes such changes into the workstation and answers whether there were any; the study's stacks may have other ids
+  /// then. Leaves a study as it is that a viewer shows or of which nothing is left.
+  bool takeChanges(const std::string& studyUid);
   /// Whether the plug-in has a labelling in memory.
   bool hasLabellingInMemory();
   /// Whether there is a labelling in memory that is neither in that study nor waiting to be written to it: the study's

@@ -103,6 +103,9 @@ class MainWindow final : public QMainWindow {
   void openDatabaseIfThere();
   void showOpened(const std::filesystem::path& folder);
   void openNextFolder();
+  void lookForFiles();
+  /// Tells what came or went of the studies that are shown, and offers to open them anew.
+  void offerChangedStudies();
   void tellImport(const ImportResult& result);
   /// Names files, each with what became of it and why; of many only the first, and how many more there are.
   void tellUnreadable(const std::vector<UnreadableFile>& files, const std::string& whatBecame);

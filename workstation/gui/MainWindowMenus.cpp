@@ -79,6 +79,7 @@ void MainWindow::makeFileMenu() {
   auto* menu = menuBar()->addMenu("&File");
   addAction(menu, "&Open folder ...", QKeySequence("Ctrl+O"), [this] { chooseAndOpenFolder(); });
   addAction(menu, "&Import folder into the database ...", QKeySequence("Ctrl+I"), [this] { chooseAndImport(); });
+  addAction(menu, "&Look for new files", QKeySequence("F5"), [this] { lookForFiles(); })->setObjectName("lookForFiles");
   menu->addSeparator();
   viewerActions_.push_back(addAction(menu, "&Close viewer", QKeySequence("Ctrl+W"), [this] { closeFrontViewer(); }));
   menu->addSeparator();

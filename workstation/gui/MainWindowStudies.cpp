@@ -133,7 +133,35 @@ void MainWindow::importPaths(const std::vector<fs::path>& paths) {
         desk_.folders().refresh();
         browser_->refill();
         tellImport(*result);
+        offerChangedStudies();
       });
+}
+
+void MainWindow::lookForFiles() {
+  desk_.folders().refresh();
+  browser_->refill();
+  offerChangedStudies();
+  scheduleRefresh(true);
+}
+
+void MainWindow::offerChangedStudies() {
+  std::set<std::string> shown;
+  for (const ViewerInfo& viewer : desk_.workstation().viewers()) shown.insert(viewer.stack.studyUid);
+  for (const std::string& uid : shown) {
+    const StudyChange change = desk_.changeOf(uid);
+    const std::string study = "the study of " + patientText(desk_.workstation().study(uid)->patientName);
+    const auto slices = [](std::size_t count) { return countText(count, "slice", "slices"); };
+    if (change.left == 0) {
+      desk_.tell("The files of " + study + ", which is open, are no longer where they were: put them back.");
+    } else if (change.added + change.gone > 0) {
+      std::string sentence = "Of " + study + ", which is open, ";
+      if (change.added > 0) sentence += slices(change.added) + " came";
+      if (change.added > 0 && change.gone > 0) sentence += " and ";
+      if (change.gone > 0) sentence += slices(change.gone) + " went";
+      messageBar_->offer(uid, sentence + ": open it anew to see it as it is now.", "Open anew",
+                         [this, uid] { openStudy(uid); });
+    }
+  }
 }
 
 void MainWindow::tellImport(const ImportResult& result) {
@@ -194,6 +222,8 @@ void MainWindow::openStudy(const std::string& studyUid) {
     return scheduleRefresh(false);
   }
   closeEveryViewer();
+  if (desk_.takeChanges(studyUid)) browser_->refill();
+  messageBar_->withdraw(studyUid);
   showInViewers(stacksToOpen(desk_.workstation(), studyUid));
   const Study* study = desk_.workstation().study(studyUid);
   setWindowTitle(QString::fromStdString(patientText(study->patientName)) + " - Vertana workstation");

@@ -57,6 +57,12 @@ std::vector<std::string> Host::addImages(std::vector<ImageRecord> images) {
   return uids;
 }
 
+void Host::replaceStudy(Study fresh) {
+  std::shared_ptr<StudyObject>& known = studies_.at(fresh.uid);
+  stash_.follow(known->data(), fresh);
+  known = std::make_shared<StudyObject>(std::move(fresh), options_.reports, options_.lacking);
+}
+
 std::shared_ptr<StudyObject> Host::study(const std::string& uid) const {
   const auto entry = studies_.find(uid);
   return entry == studies_.end() ? nullptr : entry->second;

@@ -48,6 +48,8 @@ class Host final : public pelmar::PelmarAPI {
 
   // --- studies and viewers -----------------------------------------------------------------------------------------
   std::vector<std::string> addImages(std::vector<ImageRecord> images);
+  /// In place of the study with the same UID, which must be there and in no viewer.
+  void replaceStudy(Study fresh);
   std::shared_ptr<StudyObject> study(const std::string& uid) const;
 
   /// The stack must exist. The viewer is in front and its loaded-notification has been posted.

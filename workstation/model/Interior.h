@@ -33,6 +33,8 @@ struct Workstation::Interior {
   /// this study.
   std::optional<StackId> drawnStack(const std::string& studyUid) const;
   void rememberDrawnStack();
+  /// The study of that stack is replaced by this one.
+  void followDrawnStack(const Study& fresh);
   pelmar::Ref<pelmar::ROI> curve() const;
 
   struct Drawn {

@@ -72,6 +72,20 @@ Ref<pelmar::DicomImage> StudyObject::SRImageWithSeriesID(long seriesID, std::str
   return reports_ ? reports_->report(study_->uid, seriesID, seriesDescription) : Ref<pelmar::DicomImage>();
 }
 
+std::optional<SlicePlace> placeOf(const ImageRecord& slice, const Study& study) {
+  for (std::size_t series = 0; series < study.series.size(); ++series) {
+    if (study.series[series].uid != slice.seriesInstanceUid) continue;
+    for (std::size_t stack = 0; stack < study.series[series].stacks.size(); ++stack) {
+      const auto& slices = study.series[series].stacks[stack].slices;
+      for (std::size_t index = 0; index < slices.size(); ++index) {
+        if (slices[index].sopInstanceUid == slice.sopInstanceUid && slices[index].frame == slice.frame)
+          return SlicePlace{series, stack, index};
+      }
+    }
+  }
+  return std::nullopt;
+}
+
 AnnotationStash::Key AnnotationStash::keyOf(const StackId& stack) {
   return {stack.studyUid, stack.series, stack.stack};
 }
@@ -90,6 +104,24 @@ void AnnotationStash::giveBack(const StackId& stack, SeriesRoiLists& lists) {
   for (const Entry& entry : entries.mapped()) {
     if (!ownRoi(entry.roi)->deleted() && entry.slice < lists.count()) lists.list(entry.slice).addObject(entry.roi);
   }
+}
+
+void AnnotationStash::follow(const Study& from, const Study& to) {
+  std::map<Key, std::vector<Entry>> moved;
+  for (auto stack = kept_.begin(); stack != kept_.end();) {
+    const auto [study, seriesIndex, stackIndex] = stack->first;
+    if (study != from.uid) {
+      ++stack;
+      continue;
+    }
+    const auto& slices = from.series[seriesIndex].stacks[stackIndex].slices;
+    for (const Entry& entry : stack->second) {
+      if (const auto place = placeOf(slices[entry.slice], to))
+        moved[{study, place->series, place->stack}].push_back({place->slice, entry.roi});
+    }
+    stack = kept_.erase(stack);
+  }
+  kept_.merge(moved);
 }
 
 }  // namespace workstation

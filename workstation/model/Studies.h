@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 
 #include "host/Database.h"
@@ -14,6 +15,16 @@
 namespace workstation {
 
 struct StackId;
+
+/// Where a slice of a study is.
+struct SlicePlace {
+  std::size_t series = 0;
+  std::size_t stack = 0;
+  std::size_t slice = 0;
+};
+
+/// Where the same slice, by its SOP Instance UID and frame, is in a study; nothing where it is not there.
+std::optional<SlicePlace> placeOf(const ImageRecord& slice, const Study& study);
 
 /// A study as the plug-in sees it. What is told of reports comes from StudyReports, where there are any.
 class StudyObject final : public pelmar::DicomStudy {
@@ -50,6 +61,9 @@ class AnnotationStash {
   void keep(const StackId& stack, const SeriesRoiLists& lists);
   /// Puts those of the stack, but for what was deleted meanwhile, into the lists and forgets them.
   void giveBack(const StackId& stack, SeriesRoiLists& lists);
+  /// One study takes the place of another with the same UID: annotations stay with their slices, those of slices that
+  /// have gone are forgotten.
+  void follow(const Study& from, const Study& to);
 
  private:
   struct Entry {

@@ -1,5 +1,7 @@
 #include "workstation/model/Workstation.h"
 
+#include <algorithm>
+
 #include "workstation/model/Interior.h"
 
 namespace workstation {
@@ -78,6 +80,23 @@ pelmar::Value Workstation::pluginAnswer(std::string_view question) const {
 
 std::vector<std::string> Workstation::addImages(std::vector<ImageRecord> images) {
   return interior_->run([&] { return interior_->host.addImages(std::move(images)); });
+}
+
+Outcome Workstation::replaceStudy(std::vector<ImageRecord> images) {
+  return interior_->run([&]() -> Outcome {
+    std::vector<Study> found = groupIntoStudies(std::move(images));
+    if (found.size() != 1 || !study(found.front().uid))
+      return Outcome::refused("A study is only replaced by images of the same one study.");
+    const std::string uid = found.front().uid;
+    const auto open = viewers();
+    if (std::any_of(open.begin(), open.end(), [&](const ViewerInfo& viewer) { return viewer.stack.studyUid == uid; })) {
+      return Outcome::refused("The images of the study \"" + uid +
+                              "\" cannot be taken anew while a viewer shows it: close its viewers first.");
+    }
+    if (interior_->drawn && interior_->drawn->stack.studyUid == uid) interior_->followDrawnStack(found.front());
+    interior_->host.replaceStudy(std::move(found.front()));
+    return Outcome::done();
+  });
 }
 
 const Study* Workstation::study(const std::string& studyUid) const {

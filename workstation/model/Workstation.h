@@ -137,7 +137,11 @@ class Workstation {
   /// Adds images of any number of studies and answers those studies' UIDs, by date, then UID. A study that is there
   /// already stays as it is.
   std::vector<std::string> addImages(std::vector<ImageRecord> images);
-  /// Null when no such study was added. Stays valid and unchanged.
+  /// Takes the images of a study anew, because files have come or gone since it was added. The person's own annotations
+  /// stay with their slices. Refused where a viewer shows the study, where it was not added, and where the images are
+  /// none or of several studies. What was told of the study before (records, stacks and their ids) is no longer valid.
+  Outcome replaceStudy(std::vector<ImageRecord> images);
+  /// Null when no such study was added. Stays valid and unchanged until it is replaced.
   const Study* study(const std::string& studyUid) const;
   /// Every stack of a study, in order of Series Number, then stack; empty for an unknown study.
   std::vector<StackId> stacks(const std::string& studyUid) const;

@@ -38,6 +38,17 @@ void Workstation::Interior::rememberDrawnStack() {
   if (const auto viewer = ref_cast<Viewer>(roi->curView()->viewer())) drawn = {roi, viewer.get()->stackId()};
 }
 
+void Workstation::Interior::followDrawnStack(const Study& fresh) {
+  const Study& old = host.study(fresh.uid)->data();
+  const auto& slices = old.series[drawn->stack.series].stacks[drawn->stack.stack].slices;
+  if (const auto place = placeOf(slices.front(), fresh)) {
+    drawn->stack.series = place->series;
+    drawn->stack.stack = place->stack;
+  } else {
+    drawn.reset();
+  }
+}
+
 std::optional<StackId> Workstation::Interior::drawnStack(const std::string& studyUid) const {
   const auto roi = curve();
   std::optional<StackId> stack;

@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "WindowFixture.h"
+#include "tests/workstation/dicom/DicomFixtures.h"
 #include "workstation/gui/Thumbnail.h"
 
 namespace workstation::test {
@@ -112,6 +113,58 @@ TEST_F(Browser, ImportCopiesIntoTheDatabaseAndListsTheStudy) {
   emit window_->browser().tree().itemActivated(studyItem(), 0);
   settle();
   EXPECT_FALSE(workstation().viewers().empty()) << "from the copy";
+}
+
+TEST_F(Browser, ImagesThatComeToAnOpenStudyAreListedAndTheStudyIsOpenedAnewOnRequest) {
+  const auto rest = folder_ / "rest";
+  std::filesystem::create_directory(rest);
+  for (const auto& file : std::filesystem::recursive_directory_iterator(study())) {
+    if (file.path().extension() == ".dcm" && planeOf(onlyImage(file.path())) == Plane::axial)
+      std::filesystem::rename(file.path(), rest / file.path().filename());
+  }
+  window_->importPaths({study()});
+  waitForTask();
+  emit window_->browser().tree().itemActivated(studyItem(), 0);
+  settle();
+  const auto open = workstation().viewers().size();
+  const std::string uid = workstation().viewers()[0].stack.studyUid;
+  const auto slicesBefore = desk_->folders().studies()[0].slices;
+  ASSERT_TRUE(workstation().drawLine(workstation().viewers()[0].number, 2, {30, 30}, {60, 60}));
+
+  window_->importPaths({rest});
+  waitForTask();
+  const auto slices = desk_->folders().studies()[0].slices;
+  ASSERT_GT(slices, slicesBefore);
+  EXPECT_TRUE(studyItem()->text(0).contains(QString("%1 slices").arg(slices))) << "the browser tells at once";
+  EXPECT_EQ(workstation().viewers().size(), open) << "what is shown stays";
+  EXPECT_NE(messages().find(std::to_string(slices - slicesBefore) + " slices came"), std::string::npos) << messages();
+  ASSERT_NE(window_->messages().button(uid), nullptr);
+
+  window_->messages().button(uid)->click();
+  settle();
+  EXPECT_EQ(messages(), "");
+  EXPECT_GT(workstation().viewers().size(), open);
+  EXPECT_EQ(workstation().annotations(sagittalViewer(), 2).size(), 1U) << "what was drawn stays";
+  EXPECT_NE(axialViewer(), -1);
+}
+
+TEST_F(Browser, FilesThatCameAndWentAreFoundOnRequest) {
+  openStudy();
+  const std::string uid = workstation().viewers()[0].stack.studyUid;
+  window_->findChild<QAction*>("lookForFiles")->trigger();
+  settle();
+  EXPECT_EQ(messages(), "") << "nothing has changed";
+  const auto file = workstation().sliceRecord(axialViewer(), 0)->file;
+  std::filesystem::remove(file);
+  window_->findChild<QAction*>("lookForFiles")->trigger();
+  settle();
+  EXPECT_NE(messages().find("1 slice went"), std::string::npos) << messages();
+  EXPECT_NE(window_->messages().button(uid), nullptr);
+  std::filesystem::remove_all(study());
+  window_->findChild<QAction*>("lookForFiles")->trigger();
+  settle();
+  EXPECT_NE(messages().find("no longer where they were"), std::string::npos) << messages();
+  EXPECT_FALSE(workstation().viewers().empty());
 }
 
 TEST_F(Browser, AnImportThatIsCancelledLeavesTheDatabaseAsItWas) {
