@@ -11,6 +11,7 @@ namespace workstation {
 namespace {
 
 constexpr int thumbnailSize = 56;
+constexpr int markSize = 16;
 enum Role { studyRole = Qt::UserRole, seriesRole, stackRole, filledRole };
 
 std::string join(const std::vector<std::string>& words, const std::string& between) {
@@ -143,7 +144,9 @@ void BrowserPanel::addStudy(const StudyEntry& study, QTreeWidgetItem& patient) {
   if (study.holdsLabelling) {
     labelled_.insert(study.studyUid);
     item->setText(0, item->text(0) + "\nLabelled");
-    item->setIcon(0, QIcon(QPixmap::fromImage(labelledMark(16))));
+    QPixmap mark = QPixmap::fromImage(labelledMark(qRound(markSize * devicePixelRatioF())));
+    mark.setDevicePixelRatio(devicePixelRatioF());
+    item->setIcon(0, QIcon(mark));
     item->setToolTip(0, "This study holds a labelling of its spine.");
   }
   item->setChildIndicatorPolicy(study.images > 0 ? QTreeWidgetItem::ShowIndicator : QTreeWidgetItem::DontShowIndicator);
@@ -178,7 +181,8 @@ void BrowserPanel::opened(QTreeWidgetItem* item) {
 }
 
 void BrowserPanel::showMenu(QPoint at) {
-  auto* item = tree_->itemAt(at);
+  // Asked for by a key, it is for the item that is chosen, wherever that lies.
+  auto* item = tree_->hasFocus() && tree_->currentItem() ? tree_->currentItem() : tree_->itemAt(at);
   if (!item || !item->data(0, studyRole).isValid()) return;
   QMenu menu(this);
   const auto stack = stackOf(*item);
@@ -200,7 +204,10 @@ QIcon BrowserPanel::thumbnail(const StackId& id) {
   QIcon& icon = thumbnails_[image.file.string() + '\n' + std::to_string(image.frame)];
   if (icon.isNull()) {
     PixelReader reader;
-    icon = QIcon(QPixmap::fromImage(thumbnailOf(image, reader, thumbnailSize)));
+    const double ratio = devicePixelRatioF();
+    QPixmap picture = QPixmap::fromImage(thumbnailOf(image, reader, qRound(thumbnailSize * ratio)));
+    picture.setDevicePixelRatio(ratio);
+    icon = QIcon(picture);
   }
   return icon;
 }

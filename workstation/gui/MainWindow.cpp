@@ -4,6 +4,7 @@
 #include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QMimeData>
+#include <QScreen>
 #include <QStatusBar>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -170,7 +171,8 @@ void MainWindow::refreshBanners() {
 // --- the window itself ---------------------------------------------------------------------------------------------
 
 void MainWindow::restoreLayout() {
-  resize(1440, 900);
+  const QSize room = screen()->availableGeometry().size();
+  resize(QSize(1440, 900).boundedTo(room));
   restoreGeometry(settings_.value("window/geometry").toByteArray());
   restoreState(settings_.value("window/state").toByteArray());
 }

@@ -86,6 +86,7 @@ class MainWindow final : public QMainWindow {
   QAction* addAction(QMenu* menu, const QString& text, const QKeySequence& shortcut, std::function<void()> act);
   void chooseTool(long mouseTool, long roiTool);
   void onFrontViewer(const std::function<Outcome(int viewer)>& operation);
+  void goToViewer(int steps);
   void makeGridMenu();
   void chooseGrid(const QString& title);
   /// The grid that the person has chosen, else one with room for the viewers.

@@ -2,6 +2,7 @@
 #include <QMenuBar>
 #include <QStatusBar>
 #include <QToolBar>
+#include <algorithm>
 
 #include "workstation/gui/KeptWindows.h"
 #include "workstation/gui/MainWindow.h"
@@ -99,6 +100,11 @@ void MainWindow::makeEditMenu() {
   menu->addSeparator();
   deleteAction_ =
       addAction(menu, "&Delete selected annotation", QKeySequence(Qt::Key_Delete), [this] { deleteSelected(); });
+  menu->addSeparator();
+  addAction(menu, "&Find a study", QKeySequence("Ctrl+F"), [this] {
+    if (!studiesAction_->isChecked()) studiesAction_->trigger();
+    browser_->search().setFocus();
+  });
 }
 
 void MainWindow::makeViewMenu() {
@@ -131,6 +137,18 @@ void MainWindow::makeViewMenu() {
   windowMenu_ = viewMenu_->addMenu("&Window and level");
   connect(windowMenu_, &QMenu::aboutToShow, this, [this] { fillWindowMenu(windowMenu_); });
   makeGridMenu();
+  add("&Next viewer", "F6", [this](int) {
+    goToViewer(1);
+    return Outcome::done();
+  });
+  add("&Previous viewer", "Shift+F6", [this](int) {
+    goToViewer(-1);
+    return Outcome::done();
+  });
+  add("One viewer &alone", "M", [this](int) {
+    grid_->setMaximised(!grid_->isMaximised());
+    return Outcome::done();
+  });
   viewMenu_->addSeparator();
   viewMenu_->addAction(studiesAction_);
   const auto addSwitch = [&](const QString& text, const char* shortcut, bool& option) {
@@ -143,6 +161,17 @@ void MainWindow::makeViewMenu() {
   };
   addSwitch("&Texts", "Ctrl+T", canvasOptions_.texts);
   addSwitch("Reference &lines", "Ctrl+E", canvasOptions_.referenceLines);
+}
+
+void MainWindow::goToViewer(int steps) {
+  const auto& panes = grid_->panes();
+  const auto front = std::find(panes.begin(), panes.end(), grid_->frontPane());
+  const auto count = static_cast<std::ptrdiff_t>(panes.size());
+  if (front == panes.end()) return;
+  ViewerPane* next = panes[static_cast<std::size_t>((front - panes.begin() + steps + count) % count)];
+  canvasHooks_.entered(next->viewer());
+  refresh();  // it may have been hidden, and only what is seen takes the keys
+  next->canvas().setFocus();
 }
 
 void MainWindow::makeGridMenu() {
@@ -212,7 +241,7 @@ void MainWindow::makePluginMenu() {
 
 void MainWindow::makeHelpMenu() {
   auto* menu = menuBar()->addMenu("&Help");
-  addAction(menu, "&Keyboard and mouse", QKeySequence("F1"), [this] { ShortcutSheet(this).exec(); });
+  addAction(menu, "&Keyboard and mouse", QKeySequence("F1"), [this] { ShortcutSheet(*menuBar(), this).exec(); });
   addAction(menu, "&Manual", QKeySequence("Shift+F1"), [this] { pages_.openManual(); });
 }
 

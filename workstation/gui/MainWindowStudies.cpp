@@ -152,6 +152,7 @@ void MainWindow::offerChangedStudies() {
     const std::string study = "the study of " + patientText(desk_.workstation().study(uid)->patientName);
     const auto slices = [](std::size_t count) { return countText(count, "slice", "slices"); };
     if (change.left == 0) {
+      messageBar_->withdraw(uid);
       desk_.tell("The files of " + study + ", which is open, are no longer where they were: put them back.");
     } else if (change.added + change.gone > 0) {
       std::string sentence = "Of " + study + ", which is open, ";

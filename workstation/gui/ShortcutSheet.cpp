@@ -3,6 +3,9 @@
 #include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <QMenu>
+#include <QScreen>
+#include <QScrollArea>
 #include <QVBoxLayout>
 #include <vector>
 
@@ -10,50 +13,59 @@ namespace workstation {
 namespace {
 
 struct Row {
-  const char* keys;
-  const char* does;
+  QString keys;
+  QString does;
 };
 
 struct Section {
-  const char* title;
+  QString title;
   std::vector<Row> rows;
 };
 
-const std::vector<Section>& sections() {
-  static const std::vector<Section> all{
-      {"Label a spine",
-       {{"Ctrl+L", "Labels: open the palette"},
-        {"Drag", "draw the line along the spine, from the upper disc to the lower one"},
-        {"Drag a vertex", "correct the curve; the levels follow"},
-        {"Return, double click", "end a polygon"},
-        {"Ctrl+Z, Ctrl+Shift+Z", "undo, redo"},
-        {"Del", "delete the selected annotation"}}},
-      {"Slices",
-       {{"Wheel, Up, Down", "one slice"},
-        {"Page Up, Page Down", "a tenth of the slices"},
-        {"Home, End", "first, last slice"},
-        {"Shift+click", "the same point of the patient in every viewer"}}},
-      {"Image",
-       {{"Middle button", "pan"},
-        {"Right button, Ctrl+wheel", "zoom"},
-        {"F, +, -", "fit, zoom in, zoom out"},
-        {"R, Shift+R", "turn right, left"},
-        {"H, V", "mirror left to right, top to bottom"},
-        {"Ctrl+R", "reset the view and its window"},
-        {"Double click", "one viewer alone, all again"}}},
-      {"Tools of the left button",
-       {{"W, S, P, Z, T", "window and level, scroll, pan, zoom, turn"},
-        {"L, G", "length line, open polygon"},
-        {"Click on an annotation", "select it; drag to move it (not with a drawing tool)"},
-        {"Esc", "nothing is selected any more"}}},
-      {"Window",
-       {{"Ctrl+1 ... Ctrl+8", "grid of viewers"},
-        {"Ctrl+O, Ctrl+I", "open a folder, import one"},
-        {"Ctrl+W", "close the front viewer"},
-        {"Ctrl+T, Ctrl+E", "texts, reference lines on and off"},
-        {"Right click", "menu of the viewer"},
-        {"F1, Shift+F1", "this sheet, the manual"}}}};
-  return all;
+constexpr int rowsInColumn = 27;
+
+/// What no menu has.
+std::vector<Section> pointerAndKeys() {
+  return {{"Label a spine",
+           {{"Drag", "draw the line along the spine, from the upper disc to the lower one"},
+            {"Click ... double click", "the discs one by one, where the palette says polygon"},
+            {"Return", "end a polygon"},
+            {"Drag a vertex", "correct the curve; the levels follow"}}},
+          {"Slices",
+           {{"Wheel, Up, Down", "one slice"},
+            {"Page Up, Page Down", "a tenth of the slices"},
+            {"Home, End", "first, last slice"},
+            {"Shift+click", "the same point of the patient in every viewer"}}},
+          {"Image",
+           {{"Middle button", "pan"},
+            {"Right button, Ctrl+wheel", "zoom"},
+            {"Double click", "one viewer alone, all again"},
+            {"Right click, Menu key", "menu of the viewer"},
+            {"Tab", "from viewer to viewer and to the list of studies"}}},
+          {"Annotations",
+           {{"Click on one", "select it; drag to move it (not with a drawing tool)"},
+            {"Double click on a text", "change it"},
+            {"Esc", "nothing is selected any more"}}}};
+}
+
+/// A command as a person reads it: without the mark of its letter and the dots that announce a panel.
+QString plainText(QString text) {
+  text.remove('&');
+  if (text.endsWith(" ...")) text.chop(4);
+  return text;
+}
+
+/// The commands of a menu that have a key, and after them those of the menus in it.
+void addMenu(const QMenu& menu, std::vector<Section>& sections) {
+  Section section{plainText(menu.title()), {}};
+  std::vector<const QMenu*> inner;
+  for (const QAction* action : menu.actions()) {
+    if (action->menu()) inner.push_back(action->menu());
+    const QString keys = action->shortcut().toString(QKeySequence::NativeText);
+    if (!keys.isEmpty()) section.rows.push_back({keys, plainText(action->text())});
+  }
+  if (!section.rows.empty()) sections.push_back(std::move(section));
+  for (const QMenu* each : inner) addMenu(*each, sections);
 }
 
 void addSection(QGridLayout& grid, const Section& section, int& row) {
@@ -71,16 +83,20 @@ void addSection(QGridLayout& grid, const Section& section, int& row) {
 
 }  // namespace
 
-ShortcutSheet::ShortcutSheet(QWidget* parent) : QDialog(parent) {
+ShortcutSheet::ShortcutSheet(const QMenuBar& menus, QWidget* parent) : QDialog(parent) {
   setWindowTitle("Keyboard and mouse");
   auto* layout = new QVBoxLayout(this);
-  auto* columns = new QHBoxLayout;
+  auto* page = new QWidget;
+  auto* columns = new QHBoxLayout(page);
   columns->setSpacing(36);
-  int sectionIndex = 0;
+  std::vector<Section> sections = pointerAndKeys();
+  for (const QAction* action : menus.actions()) {
+    if (action->menu()) addMenu(*action->menu(), sections);
+  }
   QGridLayout* grid = nullptr;
   int row = 0;
-  for (const Section& section : sections()) {
-    if (sectionIndex % 3 == 0) {
+  for (const Section& section : sections) {
+    if (!grid || row + static_cast<int>(section.rows.size()) + 2 > rowsInColumn) {
       if (grid) grid->setRowStretch(row, 1);
       grid = new QGridLayout;
       grid->setHorizontalSpacing(18);
@@ -89,13 +105,19 @@ ShortcutSheet::ShortcutSheet(QWidget* parent) : QDialog(parent) {
       row = 0;
     }
     addSection(*grid, section, row);
-    ++sectionIndex;
   }
   grid->setRowStretch(row, 1);
-  layout->addLayout(columns);
+  // On a small screen the page is scrolled.
+  auto* scroll = new QScrollArea(this);
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setWidgetResizable(true);
+  scroll->setWidget(page);
+  layout->addWidget(scroll);
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
   layout->addWidget(buttons);
+  const QSize beside(60, 90);  // margins, scroll bars and the button
+  resize((page->sizeHint() + beside).boundedTo(screen()->availableGeometry().size()));
 }
 
 }  // namespace workstation

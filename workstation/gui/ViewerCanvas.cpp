@@ -1,5 +1,6 @@
 #include "workstation/gui/ViewerCanvas.h"
 
+#include <QFocusEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -263,8 +264,17 @@ bool ViewerCanvas::scrollKey(int key) {
   }
 }
 
+void ViewerCanvas::focusInEvent(QFocusEvent* event) {
+  QWidget::focusInEvent(event);
+  const bool byKey = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+  if (byKey && hooks_.entered) hooks_.entered(viewer_);
+}
+
 void ViewerCanvas::keyPressEvent(QKeyEvent* event) {
   Workstation& workstation = desk_.workstation();
+  const bool wantsMenu =
+      event->key() == Qt::Key_Menu || (event->key() == Qt::Key_F10 && event->modifiers().testFlag(Qt::ShiftModifier));
+  if (wantsMenu && hooks_.menuRequested) return hooks_.menuRequested(viewer_, mapToGlobal(rect().center()));
   if (event->modifiers().testFlag(Qt::ControlModifier)) return QWidget::keyPressEvent(event);
   if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
     (void)workstation.key(viewer_, Key::returnKey);

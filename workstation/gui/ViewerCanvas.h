@@ -61,6 +61,7 @@ class ViewerCanvas final : public QWidget {
   void mouseReleaseEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
 
  private:
   pelmar::ViewPoint viewPoint(QPointF at) const { return {at.x(), height() - at.y()}; }

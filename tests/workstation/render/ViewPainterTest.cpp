@@ -109,6 +109,27 @@ TEST_F(ViewPainterTest, FollowsTheChosenWindowAndNewPixels) {
   EXPECT_NEAR(levelAt(140, 60), 55, 3);
 }
 
+TEST_F(ViewPainterTest, IsSharpWhereAPointHasTwoPixels) {
+  auto stripes = std::make_shared<PixelData>();
+  stripes->rows = 10;
+  stripes->columns = 200;
+  for (int place = 0; place < 2000; ++place) stripes->samples.push_back(place % 2 * 255);
+  stripes->windows = {{128, 256, {}}};
+  pixels_ = stripes;
+  picture_.transform.columns = 200;
+  picture_.transform.rows = 10;
+  picture_.transform.scale = 0.5;  // a pixel of the slice is one of the device; the first lies at x = 100
+  picture_.corners.topLeft = {"Doe, Jane"};
+  const QImage image = painted(2);
+  for (int x = 0; x < 200; ++x) EXPECT_NEAR(qGray(image.pixel(100 + x, 160)), x % 2 * 255, 12) << x;
+  int finer = 0;  // squares of two by two pixels of the text that are not all alike
+  for (int y = 0; y < 40; y += 2) {
+    for (int x = 0; x < 120; x += 2)
+      finer += image.pixel(x, y) != image.pixel(x + 1, y) || image.pixel(x, y) != image.pixel(x, y + 1);
+  }
+  EXPECT_GT(finer, 50);
+}
+
 TEST_F(ViewPainterTest, FollowsTheChosenTable) {
   auto withTable = std::make_shared<PixelData>(*pixels_);
   withTable->voiLuts = {{100, 8, {30, 90}, {}}};  // up to 100: 30, above: 90
