@@ -1,5 +1,6 @@
 // Which views get vertebra labels, and how the labels are found and removed.
 
+#include <algorithm>
 #include <cmath>
 
 #include "VertebraLabels.h"
@@ -173,10 +174,13 @@ TEST_F(VertebraLabels, labelIsFoundOnceForEveryImageThatHoldsIt) {
   const auto coronal = host.addViewer(study, testhost::coronalSeries(2, 401));
   const auto foreign = host.addViewer(host.addStudy("9.9"), testhost::sagittalSeries(1, 401));
   host.addROI(13, foreign, 0, {}, {"VertanaFilterLabel"});
-  host.addROI(13, sagittal, 0, {}, {"VertanaFilterAxialLabel"});
-  host.addROI(5, sagittal, 0, {}, {"VertanaFilterLabel"});
+  const auto text = host.addROI(13, sagittal, 0, {}, {"VertanaFilterAxialLabel"});
+  const auto line = host.addROI(5, sagittal, 0, {}, {"VertanaFilterLabel"});
   holdPlanes(2);
   filter.createLabels();
+  const auto shown = sagittal->roisOnSlice(0);
+  EXPECT_EQ(std::count(shown.begin(), shown.end(), text), 1) << "a text that is no label is not removed with them";
+  EXPECT_EQ(std::count(shown.begin(), shown.end(), line), 1) << "nor is what is no text";
   EXPECT_EQ(filter.labelsOnView(sagittal->view).size(), 3U);
   EXPECT_EQ(filter.labelsOnView(coronal->view).size(), 2U);
   EXPECT_EQ(filter.labels().size(), 5U) << "viewers of the study only";
