@@ -113,8 +113,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Version{"-9.5", false}, Version{" +9.5", true}, Version{"21474836.47", true},
                       Version{"21474836.48", false}, Version{"42949672.97", false}, Version{"42949673.95", true},
                       Version{"99999999999999999999.9", false}, Version{"-99999999999999999999.9", false},
-                      Version{"+-9.5", false}, Version{"-+9.5", false}, Version{" . ", false},
-                      Version{"~9.5", false}));
+                      Version{"+-9.5", false}, Version{"-+9.5", false}, Version{" . ", false}, Version{"~9.5", false}));
 
 // --- localisation ---
 
