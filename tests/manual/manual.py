@@ -22,7 +22,7 @@ SOURCES = ["workstation/gui", "workstation/session", "workstation/database", "wo
 # Calls whose texts are no messages: menus, labels, tool tips, the help text of the command line, colours.
 OTHER_CALLS = ["addAction", "add", "addSwitch", "addMenu", "addToolBar", "setToolTip", "setPlaceholderText",
                "setWindowTitle", "setApplicationDescription", "addPositionalArgument", "import", "database", "manual",
-               "chooseFolder", "chooseNewFile"]
+               "chooseFolder", "chooseNewFile", "askText"]
 # Texts that nobody reads, or that are read in the window alone.
 OTHER_TEXTS = [re.compile(pattern) for pattern in (
     r"QToolBar \{",  # the style sheet
@@ -98,10 +98,15 @@ def check_messages(checks, root, words):
 
 
 def check_keys(checks, root, words):
-    texts = [text for text, _, _ in literals_of(code_of(root / "workstation" / "gui" / "ShortcutSheet.cpp"))]
-    checks.that(len(texts) > 50, f"{len(texts)} texts of the shortcut sheet are found")
-    for text in texts:
-        checks.that(holds(words, words_of(text)), f"the manual tells of the shortcut sheet's \"{text}\"")
+    """What the pointer does stands in the sheet, the commands and their keys in the menus."""
+    gui = root / "workstation" / "gui"
+    sheet = [text for text, _, _ in literals_of(code_of(gui / "ShortcutSheet.cpp"))]
+    menus = [text for text, before, _ in literals_of(code_of(gui / "MainWindowMenus.cpp"))
+             if is_inside_call(before, ["addAction", "add", "addSwitch", "QKeySequence"])]
+    checks.that(len(sheet) > 30 and len(menus) > 50, f"{len(sheet)} texts of the sheet, {len(menus)} of menus are found")
+    for text in sheet + menus:
+        plain = words_of(text.replace("&", ""))
+        checks.that(not plain or holds(words, plain), f"the manual tells of the command \"{text}\"")
 
 
 def check_palette(checks, root, words):
