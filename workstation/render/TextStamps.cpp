@@ -37,7 +37,7 @@ QString written(const QString& text, const TextStyle& style) {
   return metrics.elidedText(text.left(mostCharacters), Qt::ElideRight, longest * modelSize / sizeOf(style));
 }
 
-double outlineWidth(double size) { return std::max(1.25, size / 10); }
+double outlineWidthOfText(double size) { return std::max(1.25, size / 10); }
 
 /// Dark around light text, light around dark text.
 QColor outlineColour(const QColor& text) {
@@ -50,7 +50,7 @@ TextStamp makeStamp(const QString& text, const TextStyle& style, double devicePi
   const double factor = size / modelSize;
   const QFont font = modelFont(style.bold);
   const QFontMetricsF metrics(font);
-  const double margin = std::ceil(outlineWidth(size)) + 1;
+  const double margin = std::ceil(outlineWidthOfText(size)) + 1;
 
   TextStamp stamp;
   stamp.width = metrics.horizontalAdvance(text) * factor;
@@ -76,7 +76,7 @@ TextStamp makeStamp(const QString& text, const TextStyle& style, double devicePi
   painter.translate(stamp.baseline);
   QColor opaque = style.colour;
   opaque.setAlpha(255);
-  painter.setPen(QPen(outlineColour(opaque), 2 * outlineWidth(size), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.setPen(QPen(outlineColour(opaque), 2 * outlineWidthOfText(size), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
   // One contour at a time: stroking a long text as one path takes time that grows with the square of its length.
   for (const QPolygonF& contour : outline.toSubpathPolygons())
     painter.drawPolygon(QTransform::fromScale(factor, factor).map(contour));
