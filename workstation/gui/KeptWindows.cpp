@@ -28,7 +28,7 @@ std::vector<WindowSetting> keptWindows(const QSettings& settings, const std::str
   for (const QString& text : settings.value(keyOf(modality)).toStringList()) {
     const QStringList numbers = text.split(" / ");
     if (numbers.size() != 2) continue;
-    const WindowSetting window{numbers[0].toDouble(), numbers[1].toDouble(), {}};
+    const WindowSetting window{.centre = numbers[0].toDouble(), .width = numbers[1].toDouble(), .explanation = {}};
     if (std::isfinite(window.centre) && std::isfinite(window.width) && window.width > 0) windows.push_back(window);
   }
   return windows;
