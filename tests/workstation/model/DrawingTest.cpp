@@ -1,10 +1,6 @@
 #include "workstation/model/Drawing.h"
 
-#include <gtest/gtest.h>
-
-#include "Recorder.h"
-#include "TestImages.h"
-#include "workstation/model/Workstation.h"
+#include "DrawnOn.h"
 
 namespace workstation {
 namespace {
@@ -14,17 +10,9 @@ using pelmar::Ref;
 using pelmar::ROI;
 using test::Lines;
 
-class DrawingByHand : public testing::Test {
+class DrawingByHand : public test::DrawnOn {
  protected:
-  DrawingByHand() {
-    workstation.addImages(test::smallStudy());
-    viewer = *workstation.openViewer({"1.2.3", 0, 0});
-    recorder.take();
-  }
   void choose(long tool) { ASSERT_TRUE(workstation.selectRoiTool(viewer, tool)); }
-  void press(double x, double y) { ASSERT_TRUE(workstation.press(viewer, PixelPoint{x, y})); }
-  void move(double x, double y) { ASSERT_TRUE(workstation.move(viewer, PixelPoint{x, y})); }
-  void release(double x, double y) { ASSERT_TRUE(workstation.release(viewer, PixelPoint{x, y})); }
   void doubleClick(double x, double y) { ASSERT_TRUE(workstation.doubleClick(viewer, PixelPoint{x, y})); }
   void click(double x, double y) {
     press(x, y);
@@ -34,10 +22,6 @@ class DrawingByHand : public testing::Test {
     const auto infos = workstation.annotations(viewer);
     return infos.size() == 1 ? infos[0].roi : Ref<ROI>();
   }
-
-  Workstation workstation;
-  test::Recorder recorder{workstation.api()};
-  int viewer = 0;
 };
 
 TEST_F(DrawingByHand, ALineIsAddedOnPressChangesOnMovesAndIsSelectedOnRelease) {

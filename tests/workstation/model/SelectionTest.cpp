@@ -1,9 +1,5 @@
 // Selecting annotations and dragging them whole, with a tool that does not draw.
-#include <gtest/gtest.h>
-
-#include "Recorder.h"
-#include "TestImages.h"
-#include "workstation/model/Workstation.h"
+#include "DrawnOn.h"
 
 namespace workstation {
 namespace {
@@ -13,32 +9,18 @@ using pelmar::Ref;
 using pelmar::ROI;
 using test::Lines;
 
-class Selecting : public testing::Test {
+class Selecting : public test::DrawnOn {
  protected:
-  Selecting() {
-    workstation.addImages(test::smallStudy());
-    viewer = *workstation.openViewer({"1.2.3", 0, 0});
-    // 4 points a pixel: 6 points of reach are 1.5 pixels.
-    EXPECT_TRUE(workstation.zoom(viewer, 4));
-  }
+  // 4 points a pixel: 6 points of reach are 1.5 pixels.
+  Selecting() { EXPECT_TRUE(workstation.zoom(viewer, 4)); }
   /// A line that is finished and not selected.
   Ref<ROI> line(PixelPoint a, PixelPoint b) {
     const int id = *workstation.drawLine(viewer, 0, a, b);
     EXPECT_TRUE(workstation.deselect(viewer));
     EXPECT_TRUE(workstation.selectMouseTool(viewer, MouseToolWindowLevel));
     recorder.take();
-    for (const auto& info : workstation.annotations(viewer)) {
-      if (info.id == id) return info.roi;
-    }
-    return {};
+    return annotation(id);
   }
-  void press(double x, double y) { ASSERT_TRUE(workstation.press(viewer, PixelPoint{x, y})); }
-  void move(double x, double y) { ASSERT_TRUE(workstation.move(viewer, PixelPoint{x, y})); }
-  void release(double x, double y) { ASSERT_TRUE(workstation.release(viewer, PixelPoint{x, y})); }
-
-  Workstation workstation;
-  test::Recorder recorder{workstation.api()};
-  int viewer = 0;
 };
 
 TEST_F(Selecting, AClickOnTheLineSelectsItSilently) {

@@ -1,24 +1,18 @@
 #include "workstation/model/Undo.h"
 
-#include <gtest/gtest.h>
-
-#include "Recorder.h"
-#include "TestImages.h"
-#include "workstation/model/Workstation.h"
+#include "DrawnOn.h"
 
 namespace workstation {
 namespace {
 
 using pelmar::PixelPoint;
-using pelmar::Ref;
 using pelmar::ROI;
 using test::Lines;
 
-class TakingBack : public testing::Test {
+/// A second viewer shows the study's axial series.
+class TakingBack : public test::DrawnOn {
  protected:
   TakingBack() {
-    workstation.addImages(test::smallStudy());
-    viewer = *workstation.openViewer({"1.2.3", 0, 0});
     other = *workstation.openViewer({"1.2.3", 1, 0});
     recorder.take();
   }
@@ -30,12 +24,6 @@ class TakingBack : public testing::Test {
   void drag(int id, int vertex, PixelPoint to) {
     ASSERT_TRUE(workstation.dragVertex(viewer, id, vertex, to, 2));
     recorder.take();
-  }
-  Ref<ROI> annotation(int id) const {
-    for (const auto& info : workstation.annotations(viewer)) {
-      if (info.id == id) return info.roi;
-    }
-    return {};
   }
   std::vector<int> idsOn(int slice) const {
     std::vector<int> ids;
@@ -57,9 +45,6 @@ class TakingBack : public testing::Test {
     EXPECT_TRUE(recorder.take().empty());
   }
 
-  Workstation workstation;
-  test::Recorder recorder{workstation.api()};
-  int viewer = 0;
   int other = 0;
 };
 
