@@ -5,28 +5,30 @@
 namespace workstation {
 namespace {
 
+namespace dark {
 const QColor window(43, 45, 48);
 const QColor base(30, 31, 34);
 const QColor text(222, 224, 228);
 const QColor faded(130, 134, 140);
 const QColor accent(74, 136, 199);
 const QColor viewerFrame(24, 24, 26);
+}  // namespace dark
 
 QPalette darkPalette() {
   QPalette palette;
-  palette.setColor(QPalette::Window, window);
-  palette.setColor(QPalette::WindowText, text);
-  palette.setColor(QPalette::Base, base);
+  palette.setColor(QPalette::Window, dark::window);
+  palette.setColor(QPalette::WindowText, dark::text);
+  palette.setColor(QPalette::Base, dark::base);
   palette.setColor(QPalette::AlternateBase, QColor(36, 37, 40));
   palette.setColor(QPalette::ToolTipBase, QColor(60, 63, 66));
-  palette.setColor(QPalette::ToolTipText, text);
-  palette.setColor(QPalette::PlaceholderText, faded);
-  palette.setColor(QPalette::Text, text);
+  palette.setColor(QPalette::ToolTipText, dark::text);
+  palette.setColor(QPalette::PlaceholderText, dark::faded);
+  palette.setColor(QPalette::Text, dark::text);
   palette.setColor(QPalette::Button, QColor(58, 61, 65));
-  palette.setColor(QPalette::ButtonText, text);
+  palette.setColor(QPalette::ButtonText, dark::text);
   palette.setColor(QPalette::BrightText, Qt::white);
   palette.setColor(QPalette::Link, QColor(104, 167, 230));
-  palette.setColor(QPalette::Highlight, accent);
+  palette.setColor(QPalette::Highlight, dark::accent);
   palette.setColor(QPalette::HighlightedText, Qt::white);
   for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
     palette.setColor(QPalette::Disabled, role, QColor(112, 115, 120));
@@ -60,7 +62,7 @@ void useTheme(QApplication& application) {
 
 QPalette viewerFramePalette(bool front) {
   QPalette palette = QApplication::palette();
-  palette.setColor(QPalette::Window, front ? accent : viewerFrame);
+  palette.setColor(QPalette::Window, front ? dark::accent : dark::viewerFrame);
   return palette;
 }
 
