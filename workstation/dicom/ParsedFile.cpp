@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <ctime>
-#include <fstream>
 
 #include "workstation/dicom/Toolkit.h"
 
@@ -17,9 +16,6 @@ namespace {
 
 /// Longer values stay on disk until they are asked for.
 constexpr Uint32 longestValueToLoad = 16384;
-/// Files up to this length are read at once, bytes: the toolkit asks for a few bytes at a time, which costs more, and
-/// a disk reads so much ahead anyway.
-constexpr std::uintmax_t longestToReadAtOnce = 131072;
 /// How much stack reading may take: the toolkit descends into sequences by recursion, and a small file can nest them
 /// ten thousand deep. This allows some hundred levels; real files have fewer than ten.
 constexpr std::uintptr_t stackForReading = 1 << 20;
@@ -118,28 +114,16 @@ bool ParsedFile::parseFile(const std::filesystem::path& file, bool headerOnly, s
   prepareToolkit();
   std::error_code error;
   const std::uintmax_t fileLength = std::filesystem::file_size(file, error);
-  if (!error && fileLength <= longestToReadAtOnce) {
-    std::ifstream in(file, std::ios::binary);
-    std::vector<std::uint8_t> bytes(fileLength);
-    // A file that has just changed is read the other way, which tells what is wrong with it.
-    if (in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(fileLength))) {
-      return parseBytes(bytes, headerOnly, problem);
-    }
-  }
   GuardedStream<DcmInputFileStream> stream(error ? 0 : fileLength, OFFilename(file.c_str()));
   return parseStream(stream, headerOnly, problem);
 }
 
 bool ParsedFile::parse(const std::vector<std::uint8_t>& bytes, std::string& problem) {
-  return parseBytes(bytes, false, problem);
-}
-
-bool ParsedFile::parseBytes(const std::vector<std::uint8_t>& bytes, bool headerOnly, std::string& problem) {
   prepareToolkit();
   GuardedStream<DcmInputBufferStream> stream(bytes.size());
   stream.setBuffer(bytes.data(), static_cast<offile_off_t>(bytes.size()));
   stream.setEos();
-  return parseStream(stream, headerOnly, problem);
+  return parseStream(stream, false, problem);
 }
 
 DcmDataset& ParsedFile::dataset() { return *format_->getDataset(); }

@@ -35,7 +35,6 @@ class ParsedFile {
  private:
   template <class Stream>
   bool parseStream(Stream& stream, bool headerOnly, std::string& problem);
-  bool parseBytes(const std::vector<std::uint8_t>& bytes, bool headerOnly, std::string& problem);
   bool parseFile(const std::filesystem::path& file, bool headerOnly, std::string& problem);
 
   std::unique_ptr<DcmFileFormat> format_;
