@@ -93,23 +93,29 @@ Expected<std::string> objectNamed(const std::string& object, const std::vector<H
 }  // namespace
 
 int runHistory(const HistoryArguments& arguments) {
-  return withStudy(arguments.study, arguments.database, [&](StudySession& session, const std::string& study) {
-    const auto history = session.store().history(study);
-    arguments.json ? printHistoryAsJson(std::cout, study, history) : printHistory(std::cout, study, history);
-    return ExitDone;
-  });
+  return withStudy(
+      arguments.study, arguments.database,
+      [&](StudySession& session, const std::string& study) {
+        const auto history = session.store().history(study);
+        arguments.json ? printHistoryAsJson(std::cout, study, history) : printHistory(std::cout, study, history);
+        return ExitDone;
+      },
+      PluginUse::helpful);
 }
 
 int runRestore(const RestoreArguments& arguments) {
-  return withStudy(arguments.study, arguments.database, [&](StudySession& session, const std::string& study) -> int {
-    const auto object = objectNamed(arguments.object, session.store().history(study));
-    if (!object) return fail(object.failure);
-    const auto outcome = session.store().restore(study, *object);
-    session.printNotices();
-    if (!outcome) return fail({ExitNotAllowed, *outcome.problem});
-    std::cout << "The labelling of " << printable(*object) << " counts again, as a new object.\n";
-    return ExitDone;
-  });
+  return withStudy(
+      arguments.study, arguments.database,
+      [&](StudySession& session, const std::string& study) -> int {
+        const auto object = objectNamed(arguments.object, session.store().history(study));
+        if (!object) return fail(object.failure);
+        const auto outcome = session.store().restore(study, *object);
+        session.printNotices();
+        if (!outcome) return fail({ExitNotAllowed, *outcome.problem});
+        std::cout << "The labelling of " << printable(*object) << " counts again, as a new object.\n";
+        return ExitDone;
+      },
+      PluginUse::helpful);
 }
 
 }  // namespace cli

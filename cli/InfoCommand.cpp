@@ -193,7 +193,7 @@ int runInfo(const InfoArguments& arguments) {
   bool first = true;
   // Each study in a workstation of its own: what is open of one must not bear on the guess for another.
   for (const auto& study : (*source)->studies()) {
-    auto session = StudySession::open(**source, study);
+    auto session = StudySession::open(**source, study, PluginUse::helpful);
     if (!session) return fail(session.failure);
     const auto facts = factsOf(**session, study);
     for (const auto& report : facts.unreadableReports) {

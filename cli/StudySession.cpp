@@ -180,6 +180,10 @@ void StudySource::printNotices() {
   for (; printedNotices_ < notices.size(); ++printedNotices_) printMessage(notices[printedNotices_]);
 }
 
+void StudySource::printPluginProblem(const std::string& problem) {
+  if (!std::exchange(toldOfPlugin_, true)) printMessage(problem);
+}
+
 std::string StudySource::title(const std::string& studyUid) const {
   return "The study " + (isDatabase_ || studies_.size() > 1 ? studyUid + " in " : "in ") + path_;
 }
@@ -191,20 +195,24 @@ StudySession::StudySession(StudySource& source)
         return options;
       }()) {}
 
-Expected<std::unique_ptr<StudySession>> StudySession::open(StudySource& source, const std::string& studyUid) {
+Expected<std::unique_ptr<StudySession>> StudySession::open(StudySource& source, const std::string& studyUid,
+                                                           PluginUse use) {
   std::unique_ptr<StudySession> session(new StudySession(source));
-  if (const auto loaded = session->session_.loadPlugin(); !loaded) return Failure{ExitUnreadable, *loaded.problem};
+  if (const auto loaded = session->session_.loadPlugin(); !loaded) {
+    if (use == PluginUse::needed) return Failure{ExitUnreadable, *loaded.problem};
+    source.printPluginProblem(*loaded.problem);
+  }
   session->workstation().addImages(source.database().images(studyUid));
   return session;
 }
 
 int withStudy(const std::string& study, const std::string& database,
-              const std::function<int(StudySession& session, const std::string& studyUid)>& task) {
+              const std::function<int(StudySession& session, const std::string& studyUid)>& task, PluginUse use) {
   auto source = StudySource::open(study, database);
   if (!source) return fail(source.failure);
   const auto uid = (*source)->onlyStudy();
   if (!uid) return fail(uid.failure);
-  auto session = StudySession::open(**source, *uid);
+  auto session = StudySession::open(**source, *uid, use);
   return session ? task(**session, *uid) : fail(session.failure);
 }
 

@@ -61,6 +61,8 @@ class StudySource {
   const LeftOut& leftOut() const { return leftOut_; }
   /// What the database has to tell the person of its index, each sentence once.
   void printNotices();
+  /// Tells the person, once, that the session goes on without the plug-in, and why.
+  void printPluginProblem(const std::string& problem);
   /// How messages name a study: "The study in /tmp/spine", "The study 1.2.3 in /tmp/database".
   std::string title(const std::string& studyUid) const;
   /// The folder, as the person gave it.
@@ -79,14 +81,20 @@ class StudySource {
   std::vector<BadFile> bad_;
   LeftOut leftOut_;
   std::size_t printedNotices_ = 0;
+  bool toldOfPlugin_ = false;
 };
+
+/// Whether a command can do its work without the plug-in.
+enum class PluginUse { needed, helpful };
 
 /// A workstation with the plug-in, the person's defaults and one study. Letting it go is as a crash: what should be
 /// kept is kept by Workstation::quit().
 class StudySession {
  public:
-  /// Loads the plug-in and adds the study's images. The source must outlive the session.
-  static Expected<std::unique_ptr<StudySession>> open(StudySource& source, const std::string& studyUid);
+  /// Loads the plug-in and adds the study's images. The source must outlive the session. A plug-in that cannot be
+  /// loaded is a failure where it is needed; elsewhere the session goes on without it, and its source tells of it once.
+  static Expected<std::unique_ptr<StudySession>> open(StudySource& source, const std::string& studyUid,
+                                                      PluginUse use = PluginUse::needed);
 
   StudySource& source() { return source_; }
   workstation::LabellingStore& store() { return session_.store(); }
@@ -106,6 +114,7 @@ class StudySession {
 /// Opens the one study that the folder or database holds and does the task on it; the exit status. Failures to open are
 /// printed.
 int withStudy(const std::string& study, const std::string& database,
-              const std::function<int(StudySession& session, const std::string& studyUid)>& task);
+              const std::function<int(StudySession& session, const std::string& studyUid)>& task,
+              PluginUse use = PluginUse::needed);
 
 }  // namespace cli

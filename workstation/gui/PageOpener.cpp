@@ -5,6 +5,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QUrl>
+#include <set>
 
 namespace workstation {
 
@@ -15,6 +16,12 @@ namespace {
 constexpr const char* addressOfManual = "https://vertana.example/manual/";
 /// What opens a page without a browser of its own fails at once. One that ends later was a browser that was there.
 constexpr qint64 failsWithinMs = 10000;
+
+/// Those that have not ended. They are never let go of: the program may end before them.
+std::set<QObject*>& startedOpeners() {
+  static auto* const started = new std::set<QObject*>;
+  return *started;
+}
 
 }  // namespace
 
@@ -52,6 +59,8 @@ void PageOpener::show(const QString& url, const std::string& problem) {
   }
   // Without a parent: the browser may be a child of it, and outlives the window.
   auto* process = new QProcess;
+  startedOpeners().insert(process);
+  QObject::connect(process, &QObject::destroyed, [](QObject* gone) { startedOpeners().erase(gone); });
   process->setStandardInputFile(QProcess::nullDevice());
   process->setStandardOutputFile(QProcess::nullDevice());
   process->setStandardErrorFile(QProcess::nullDevice());
