@@ -184,6 +184,18 @@ def check_interrupts(checks, program, study, top):
                 'vertana: Step 1 of 1, "dump": Interrupted before it.\n', f"a script: {out}, {messages}")
 
 
+def check_without_plugin(checks, program, study):
+    """What needs no plug-in goes on, and says why it is without."""
+    os.environ["VERTANA_PLUGIN"] = "/nowhere/Vertana.plugin"
+    sentence = "vertana: The plug-in /nowhere/Vertana.plugin cannot be loaded: there is no such folder."
+    for command, status in ((["info", study], 0), (["history", study], 0), (["restore", study, "--object", 1], 0),
+                            (["show", study], 3), (["label", study, *LINE], 3)):
+        run = Run(program, command)
+        checks.that(run.status == status and run.messages == [sentence] and bool(run.out) == (status == 0),
+                    f"{command[0]} without the plug-in: status {status}", run)
+    del os.environ["VERTANA_PLUGIN"]
+
+
 def check_demo(checks, program):
     for folder in ("/proc", "/nowhere at all"):
         done = subprocess.run([program, "demo"], env=dict(os.environ, TMPDIR=folder), capture_output=True, text=True,
@@ -203,6 +215,8 @@ def main():
         check_past(checks, program, study, top)
         check_interrupts(checks, program, study, top)
         check_demo(checks, program)
+        Run(program, ["label", study, *LINE])
+        check_without_plugin(checks, program, study)
     checks.finish()
 
 

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Plays a session script and compares each of its dumps with the expected one beside it, field by field.
 
-usage: play_script.py VERTANA NAME [WORKING_FOLDER]
+usage: play_script.py VERTANA NAME [--once]      else in two runs, which must print the same
 
 NAME.json is the script. NAME.expected.json holds {"before": [...], "status": 0, "messages": [...], "dumps": [...]}:
 what is made in the working folder before, the exit status (0 where absent), a part of each line on standard error
@@ -130,18 +130,18 @@ def main():
     expected = json.loads((HERE / f"{name}.expected.json").read_text(encoding="utf-8"))
     printed = []
     failed = False
-    for turn in ("first", "second"):
+    for turn in ("first",) if "--once" in sys.argv else ("first", "second"):
         with tempfile.TemporaryDirectory(prefix="vertana-script-") as temporary:
             comparison, lines = run(program, name, pathlib.Path(temporary), expected)
             for difference in comparison.differences:
                 print(f"FAILED in the {turn} run: {difference}")
                 failed = True
             printed.append(without_uids(lines, comparison.bound))
-    if printed[0] != printed[1]:
+    if printed[0] != printed[-1]:
         failed = True
         print("FAILED: two runs print different bytes")
     dumps = len(expected["dumps"])
-    print(f"{name}: {dumps} dumps {'do not agree' if failed else 'agree, in two runs'}")
+    print(f"{name}: {dumps} dumps {'do not agree' if failed else 'agree'}")
     sys.exit(1 if failed else 0)
 
 
