@@ -215,7 +215,8 @@ def main():
         check_past(checks, program, study, top)
         check_interrupts(checks, program, study, top)
         check_demo(checks, program)
-        Run(program, ["label", study, *LINE])
+        for line in (LINE, ["--line", "167,35,162,275"]):
+            Run(program, ["label", study, *line])
         check_without_plugin(checks, program, study)
     checks.finish()
 
