@@ -18,15 +18,20 @@ def make(program, folder, options):
         raise RuntimeError(f"vertana phantom {' '.join(options)}: status {done.returncode}\n{done.stderr}")
 
 
+def digest(text):
+    return hashlib.sha256(text.encode()).hexdigest()[:16]
+
+
 def kept(program, store, options):
     """The folder of the phantom with these options; of a program that has changed since, nothing is taken."""
     built = os.stat(program)
-    of_build = store / f"{built.st_mtime_ns}-{built.st_size}"
-    found = of_build / hashlib.sha256("\0".join(options).encode()).hexdigest()[:16]
+    of_program = store / digest(os.path.realpath(program))
+    of_build = of_program / f"{built.st_mtime_ns}-{built.st_size}"
+    found = of_build / digest("\0".join(options))
     if found.is_dir():
         return found
-    if store.is_dir():
-        for old in store.iterdir():
+    if of_program.is_dir():  # What another program made stays: a test beside this one may be copying it.
+        for old in of_program.iterdir():
             if old != of_build:
                 shutil.rmtree(old, ignore_errors=True)
     of_build.mkdir(parents=True, exist_ok=True)
