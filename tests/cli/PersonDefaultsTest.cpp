@@ -1,11 +1,8 @@
 #include "cli/PersonDefaults.h"
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-
-#include <fstream>
 #include <nlohmann/json.hpp>
-#include <sstream>
+
+#include "tests/support/TemporaryFolder.h"
 
 namespace cli::test {
 namespace {
@@ -15,27 +12,8 @@ using pelmar::Value;
 
 constexpr const char* learntTerms = "kVertanaCustomStudyDescriptionSearchTerms";
 
-/// A defaults file in a folder of its own.
-class Defaults : public testing::Test {
+class Defaults : public testsupport::DefaultsFileTest {
  protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "defaults-XXXXXX";
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-    file_ = folder_ / "vertana" / "defaults.json";
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
-  void put(const std::string& text) const {
-    fs::create_directories(file_.parent_path());
-    std::ofstream(file_) << text;
-  }
-  std::string text() const {
-    std::ifstream in(file_);
-    std::ostringstream whole;
-    whole << in.rdbuf();
-    return whole.str();
-  }
   nlohmann::json json() const { return nlohmann::json::parse(text()); }
   static Value::Dictionary learnt(const std::string& term) {
     return {{learntTerms, Value(Value::Array{Value(term)})}, {"drawMode", Value(1)}};
@@ -44,9 +22,6 @@ class Defaults : public testing::Test {
     const auto entries = fs::directory_iterator(file_.parent_path());
     return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
   }
-
-  fs::path folder_;
-  fs::path file_;
 };
 
 TEST_F(Defaults, WithoutAFileThereAreNoneAndNothingIsComplainedOf) {
@@ -155,7 +130,7 @@ TEST_F(Defaults, ALinkToTheFileStaysALink) {
 }
 
 TEST_F(Defaults, WhatCannotBeWrittenIsReported) {
-  std::ofstream(folder_ / "vertana") << "a file where the folder should be";
+  testsupport::putText(folder_ / "vertana", "a file where the folder should be");
   PersonDefaults defaults(file_);
   testing::internal::CaptureStderr();
   defaults.load();

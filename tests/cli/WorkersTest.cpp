@@ -16,6 +16,7 @@
 #include <thread>
 
 #include "cli/ExitStatus.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace cli::test {
 namespace {
@@ -50,12 +51,6 @@ Heard hear(std::size_t count, int jobs, std::function<int(std::size_t)> task) {
 /// A folder in which processes leave each other signs.
 class Signs {
  public:
-  Signs() {
-    std::string name = (fs::temp_directory_path() / "vertana-signs-XXXXXX").string();
-    folder_ = mkdtemp(name.data());
-  }
-  ~Signs() { fs::remove_all(folder_); }
-
   void give(const std::string& name) const { std::ofstream(folder_ / name) << "x"; }
   /// False when it does not come within a minute.
   bool await(const std::string& name) const {
@@ -68,7 +63,7 @@ class Signs {
   }
 
  private:
-  fs::path folder_;
+  testsupport::TemporaryFolder folder_;
 };
 
 int printNumber(std::size_t task) {

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -12,27 +11,21 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
-#include <sstream>
 
 #include "tests/support/Requirements.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace phantom {
 namespace {
 
 namespace fs = std::filesystem;
+using testsupport::textOf;
 
 class PhantomStudy : public ::testing::Test {
  protected:
-  void SetUp() override {
-    const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-    folder_ = fs::temp_directory_path() / ("phantom-" + std::to_string(getpid()) + "-" + test->name());
-    fs::remove_all(folder_);
-    fs::create_directories(folder_);
-  }
   void TearDown() override {
     std::error_code ignored;
     fs::permissions(folder_, fs::perms::owner_all, ignored);
-    fs::remove_all(folder_, ignored);
   }
 
   PhantomOptions options(const std::string& name, int region = 2) const {
@@ -43,20 +36,14 @@ class PhantomStudy : public ::testing::Test {
     return result;
   }
 
-  fs::path folder_;
+  testsupport::TemporaryFolder temporary_;
+  const fs::path folder_ = temporary_.path();
 };
-
-std::string contents(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  std::ostringstream text;
-  text << stream.rdbuf();
-  return text.str();
-}
 
 std::map<std::string, std::string> filesIn(const fs::path& folder) {
   std::map<std::string, std::string> files;
   for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-    if (entry.is_regular_file()) files[fs::relative(entry.path(), folder).string()] = contents(entry.path());
+    if (entry.is_regular_file()) files[fs::relative(entry.path(), folder).string()] = textOf(entry.path());
   }
   return files;
 }
@@ -67,7 +54,7 @@ int imagesIn(const fs::path& folder) {
   return count;
 }
 
-nlohmann::json truthOf(const fs::path& folder) { return nlohmann::json::parse(contents(folder / "truth.json")); }
+nlohmann::json truthOf(const fs::path& folder) { return nlohmann::json::parse(textOf(folder / "truth.json")); }
 
 TEST_F(PhantomStudy, SameOptionsGiveTheSameBytes) {
   auto first = options("first");
@@ -207,7 +194,7 @@ TEST_F(PhantomStudy, EveryKindOfImageConformsToItsStorageClass) {
       const fs::path report = folder_ / "report.txt";
       const std::string command = "dciodvfy '" + file.string() + "' > '" + report.string() + "' 2>&1";
       ASSERT_NE(std::system(command.c_str()), -1);
-      const std::string text = contents(report);
+      const std::string text = textOf(report);
       EXPECT_NE(text.find(ct ? "CTImage" : "MRImage"), std::string::npos) << text;
       EXPECT_EQ(text.find("Error"), std::string::npos) << file << "\n" << text;
     }
@@ -249,7 +236,7 @@ TEST_F(PhantomStudy, FileInThePlaceOfTheFolderIsRefused) {
   const auto result = writePhantom(wanted);
   EXPECT_FALSE(result.written);
   EXPECT_NE(result.problem.find(wanted.outDir.string()), std::string::npos);
-  EXPECT_EQ(contents(wanted.outDir), "a file");
+  EXPECT_EQ(textOf(wanted.outDir), "a file");
   wanted.outDir = wanted.outDir / "below" / "deeper";
   EXPECT_NE(writePhantom(wanted).problem.find("cannot be made"), std::string::npos);
 }

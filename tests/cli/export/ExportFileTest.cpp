@@ -1,36 +1,20 @@
 #include "cli/export/ExportFile.h"
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-
 #include <cerrno>
-#include <fstream>
-#include <sstream>
+
+#include "tests/support/TemporaryFolder.h"
 
 namespace cli::test {
 namespace {
 
 namespace fs = std::filesystem;
+using testsupport::putText;
+using testsupport::textOf;
 
 class Exported : public testing::Test {
  protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "export-XXXXXX";
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-    file_ = folder_ / "levels.json";
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
-  static void put(const fs::path& file, const std::string& text) { std::ofstream(file, std::ios::binary) << text; }
-  static std::string textOf(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream whole;
-    whole << in.rdbuf();
-    return whole.str();
-  }
   std::ptrdiff_t filesInFolder() const {
-    return std::distance(fs::directory_iterator(folder_), fs::directory_iterator());
+    return std::distance(fs::directory_iterator(folder_.path()), fs::directory_iterator());
   }
   /// The sentence of the refusal, which names the file.
   std::string refusal(const fs::path& file, const workstation::DiskCalls& disk = {}) const {
@@ -41,8 +25,8 @@ class Exported : public testing::Test {
     return sentence;
   }
 
-  fs::path folder_;
-  fs::path file_;
+  testsupport::TemporaryFolder folder_;
+  const fs::path file_ = folder_ / "levels.json";
 };
 
 TEST_F(Exported, FileIsWrittenWithoutATrace) {
@@ -52,13 +36,13 @@ TEST_F(Exported, FileIsWrittenWithoutATrace) {
 }
 
 TEST_F(Exported, FileReplacesAnEarlierOne) {
-  put(file_, "a much longer text");
+  putText(file_, "a much longer text");
   ASSERT_TRUE(writeExport(file_, "new"));
   EXPECT_EQ(textOf(file_), "new");
 }
 
 TEST_F(Exported, FileGoesWhereALinkLeads) {
-  put(folder_ / "target", "old");
+  putText(folder_ / "target", "old");
   fs::create_symlink("target", file_);
   ASSERT_TRUE(writeExport(file_, "new"));
   EXPECT_TRUE(fs::is_symlink(file_));
@@ -66,7 +50,7 @@ TEST_F(Exported, FileGoesWhereALinkLeads) {
 }
 
 TEST_F(Exported, FileThatCannotBeFinishedLeavesTheEarlierOne) {
-  put(file_, "old");
+  putText(file_, "old");
   workstation::DiskCalls full;
   full.write = [](int, const void*, std::size_t) -> ssize_t {
     errno = ENOSPC;
@@ -91,7 +75,7 @@ TEST_F(Exported, FileThatCannotBeFinishedLeavesTheEarlierOne) {
 
 TEST_F(Exported, FileNeverReplacesADicomFile) {
   const auto image = std::string(128, '\0') + "DICM" + std::string(200, 'x');
-  put(file_, image);
+  putText(file_, image);
   EXPECT_NE(refusal(file_).find("is a DICOM file, which an export never replaces: give --out another name."),
             std::string::npos);
   EXPECT_EQ(textOf(file_), image);
@@ -101,14 +85,14 @@ TEST_F(Exported, FileNeverReplacesADicomFile) {
       "1.2\0\x08\0\x18\0UI\x04\0"
       "1.3\0",
       24);
-  put(file_, headerless);
+  putText(file_, headerless);
   EXPECT_NE(refusal(file_).find("is a DICOM file, which an export never replaces: give --out another name."),
             std::string::npos);
   EXPECT_EQ(textOf(file_), headerless);
 }
 
 TEST_F(Exported, FileIsNoFolderAndNoDevice) {
-  EXPECT_NE(refusal(folder_).find("is a folder: give --out the name of a file."), std::string::npos);
+  EXPECT_NE(refusal(folder_.path()).find("is a folder: give --out the name of a file."), std::string::npos);
   EXPECT_NE(refusal("/dev/null").find("no ordinary file"), std::string::npos);
   EXPECT_TRUE(fs::is_character_file("/dev/null"));
 }

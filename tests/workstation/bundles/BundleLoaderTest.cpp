@@ -2,10 +2,10 @@
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <fstream>
 
+#include "tests/support/TemporaryFolder.h"
 #include "workstation/bundles/Manifest.h"
 #include "workstation/model/Workstation.h"
 
@@ -18,8 +18,6 @@ namespace fs = std::filesystem;
 class Bundles : public testing::Test {
  protected:
   void SetUp() override {
-    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-    folder = fs::temp_directory_path() / ("bundle-" + std::to_string(getpid()) + "-" + test->name()) / "Test.plugin";
     fs::create_directories(folder / "Resources");
     write("manifest.json", manifest());
     write("Resources/Palette.json", R"({"title": "Palette", "size": [240, 100], "autosaveName": "Place", "controls": [
@@ -28,10 +26,6 @@ class Bundles : public testing::Test {
         {"kind": "checkbox", "label": "Extra", "property": "extra"},
         {"kind": "button", "label": "Done", "action": "stop:"}]})");
     useModule("good_module");
-  }
-  void TearDown() override {
-    std::error_code error;
-    fs::remove_all(folder.parent_path(), error);
   }
   static std::string manifest(const std::string& contractVersion = "2") {
     return R"({"name": "Test", "version": "1.0", "contractVersion": )" + contractVersion +
@@ -58,7 +52,8 @@ class Bundles : public testing::Test {
     return handle != nullptr;
   }
 
-  fs::path folder;
+  testsupport::TemporaryFolder temporary;
+  fs::path folder = temporary / "Test.plugin";
   Workstation workstation;
 };
 

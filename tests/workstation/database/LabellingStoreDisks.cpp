@@ -1,12 +1,10 @@
 #include "LabellingStoreDisks.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
+#include "tests/support/TemporaryFolder.h"
 #include "workstation/database/StudyDatabase.h"
 #include "workstation/dicom/ImageWriter.h"
 
@@ -52,25 +50,6 @@ std::vector<ImageRecord> bothStudies(const std::string& description) {
   return records;
 }
 
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string name = (fs::temp_directory_path() / "stories-XXXXXX").string();
-    if (!mkdtemp(name.data())) throw std::runtime_error("no temporary folder can be made");
-    path_ = name;
-  }
-  ~TemporaryFolder() {
-    std::error_code error;
-    fs::remove_all(path_, error);
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  const fs::path& path() const { return path_; }
-
- private:
-  fs::path path_;
-};
-
 class MemoryDisk final : public StudyDisk {
  public:
   explicit MemoryDisk(std::string description) : description_(std::move(description)) {
@@ -87,7 +66,7 @@ class MemoryDisk final : public StudyDisk {
 
  private:
   std::string description_;
-  TemporaryFolder folder_;
+  testsupport::TemporaryFolder folder_;
   FakeShelf shelf_;
 };
 
@@ -133,14 +112,13 @@ class FolderDisk final : public StudyDisk {
     std::map<std::string, std::string> result;
     for (const auto& entry : fs::recursive_directory_iterator(folder_.path())) {
       if (!entry.is_regular_file() || entry.path().extension() != ".dcm") continue;
-      std::ifstream in(entry.path(), std::ios::binary);
-      result[entry.path().string()] = std::string(std::istreambuf_iterator<char>(in), {});
+      result[entry.path().string()] = testsupport::textOf(entry.path());
     }
     return result;
   }
 
  private:
-  TemporaryFolder folder_;
+  testsupport::TemporaryFolder folder_;
   std::unique_ptr<StudyDatabase> database_;
 };
 

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "LabellingStoreFakes.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace workstation::test {
 namespace {
@@ -14,12 +15,6 @@ namespace fs = std::filesystem;
 
 class StoreFiles : public testing::Test {
  protected:
-  void SetUp() override {
-    folder = fs::temp_directory_path() / ("store-" + std::to_string(getpid()) + "-" +
-                                          testing::UnitTest::GetInstance()->current_test_info()->name());
-    fs::create_directories(folder);
-  }
-  void TearDown() override { fs::remove_all(folder); }
   /// A file that someone else wrote, with the report that was encoded last.
   fs::path foreignFile() {
     const fs::path file = folder / "foreign.dcm";
@@ -30,7 +25,7 @@ class StoreFiles : public testing::Test {
     store.currentBrowser()->database()->addFilesAtPaths({file.string()}, true, true, true, true);
   }
 
-  fs::path folder;
+  testsupport::TemporaryFolder folder;
   FakeShelf shelf;
   PatientPointClass points;
   LabellingStore store{shelf, points, shelf.parts()};
@@ -253,7 +248,7 @@ TEST_F(StoreFiles, AForeignFileOfAnUnknownStudyOrOfAnotherKindIsPassedOver) {
   std::ofstream(folder / "text") << "text";
   import(folder / "text");
   import(folder / "missing");
-  import(folder);
+  import(folder.path());
   EXPECT_EQ(shelf.files.size(), 1u);
 }
 

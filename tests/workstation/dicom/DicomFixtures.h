@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/TemporaryFolder.h"
 #include "workstation/dicom/ImageWriter.h"
 #include "workstation/dicom/StudyReader.h"
 
@@ -13,20 +14,7 @@ class DcmDataset;
 
 namespace workstation::test {
 
-/// A folder that is there as long as the test.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  ~TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  const std::filesystem::path& path() const { return path_; }
-  /// A path in the folder; folders on the way to it are made.
-  std::filesystem::path file(const std::string& name) const;
-
- private:
-  std::filesystem::path path_;
-};
+using testsupport::TemporaryFolder;
 
 /// A sagittal MR slice of 8 columns and 6 rows, 0.5 mm between columns and 0.75 mm between rows; the sample of column c
 /// and row r is 100 r + c.

@@ -1,33 +1,22 @@
 #include "workstation/gui/KeptWindows.h"
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-
-#include <filesystem>
 #include <memory>
+
+#include "tests/support/TemporaryFolder.h"
 
 namespace workstation {
 namespace {
 
 class Kept : public testing::Test {
  protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "kept-XXXXXX";
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-    open();
-  }
-  void TearDown() override {
-    settings_.reset();
-    std::filesystem::remove_all(folder_);
-  }
+  void SetUp() override { open(); }
   void open() {
     settings_.reset();
     settings_ =
         std::make_unique<QSettings>(QString::fromStdString((folder_ / "kept.ini").string()), QSettings::IniFormat);
   }
 
-  std::filesystem::path folder_;
+  testsupport::TemporaryFolder folder_;
   std::unique_ptr<QSettings> settings_;
 };
 

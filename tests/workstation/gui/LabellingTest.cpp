@@ -13,7 +13,7 @@ class Labelling : public WindowTest {
   nlohmann::json labelledByCommand(int slice) {
     const auto copy = folder_ / "copy";
     std::filesystem::copy(study(), copy, std::filesystem::copy_options::recursive);
-    qputenv("XDG_CONFIG_HOME", folder_.c_str());
+    qputenv("XDG_CONFIG_HOME", folder_.path().c_str());
     qputenv("VERTANA_PLUGIN", VERTANA_BUNDLE);
     QProcess command;
     command.start(VERTANA_COMMAND, {"label", QString::fromStdString(copy.string()), "--line", "80,20,80,140", "--slice",

@@ -1,20 +1,17 @@
 #pragma once
 // The window on a phantom study, driven by events.
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "phantom/Phantom.h"
+#include "tests/support/TemporaryFolder.h"
 #include "workstation/gui/MainWindow.h"
 
 namespace workstation::test {
@@ -64,24 +61,16 @@ class AnsweringPrompts final : public Prompts {
 class WindowTest : public testing::Test {
  protected:
   static void SetUpTestSuite() {
-    ASSERT_NE(mkdtemp(suiteFolder().data()), nullptr);
+    ofSuite() = std::make_unique<testsupport::TemporaryFolder>();
     phantom::PhantomOptions options;
-    options.outDir = std::filesystem::path(suiteFolder()) / "study";
+    options.outDir = *ofSuite() / "study";
     options.imageSize = 160;
     ASSERT_TRUE(phantom::writePhantom(options).written);
   }
-  static void TearDownTestSuite() {
-    std::error_code ignored;
-    std::filesystem::remove_all(suiteFolder(), ignored);
-    suiteFolder() = freshPattern();
-  }
+  static void TearDownTestSuite() { ofSuite().reset(); }
 
   void SetUp() override {
-    std::string pattern = freshPattern();
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-    std::filesystem::copy(std::filesystem::path(suiteFolder()) / "study", study(),
-                          std::filesystem::copy_options::recursive);
+    std::filesystem::copy(*ofSuite() / "study", study(), std::filesystem::copy_options::recursive);
     settings_ =
         std::make_unique<QSettings>(QString::fromStdString((folder_ / "settings.ini").string()), QSettings::IniFormat);
     start();
@@ -90,8 +79,6 @@ class WindowTest : public testing::Test {
     window_.reset();
     desk_.reset();
     settings_.reset();
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
   }
 
   std::filesystem::path study() const { return folder_ / "study"; }
@@ -201,18 +188,15 @@ class WindowTest : public testing::Test {
   }
 
   AnsweringPrompts prompts_;
-  std::filesystem::path folder_;
+  testsupport::TemporaryFolder folder_;
   std::unique_ptr<QSettings> settings_;
   std::unique_ptr<Desk> desk_;
   std::unique_ptr<MainWindow> window_;
 
  private:
-  static std::string freshPattern() {
-    return (std::filesystem::temp_directory_path() / "vertana-window-XXXXXX").string();
-  }
-  static std::string& suiteFolder() {
-    static std::string path = freshPattern();
-    return path;
+  static std::unique_ptr<testsupport::TemporaryFolder>& ofSuite() {
+    static std::unique_ptr<testsupport::TemporaryFolder> made;
+    return made;
   }
   int viewerWith(const std::function<bool(long)>& isWanted) {
     for (const ViewerInfo& viewer : workstation().viewers()) {

@@ -1,15 +1,12 @@
 // The painting module as the command uses it: opened by a program without an application object or a display.
-#include <gtest/gtest.h>
-#include <stdlib.h>
-
 #include <QImage>
 #include <algorithm>
 #include <clocale>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
+#include <memory>
 
 #include "phantom/Phantom.h"
+#include "tests/support/TemporaryFolder.h"
 #include "workstation/bundles/BundleLoader.h"
 #include "workstation/dicom/PixelReader.h"
 #include "workstation/dicom/StudyReader.h"
@@ -25,20 +22,16 @@ namespace fs = std::filesystem;
 class RenderModuleTest : public testing::Test {
  protected:
   static void SetUpTestSuite() {
-    std::string name = (fs::temp_directory_path() / "vertana-render-XXXXXX").string();
-    ASSERT_NE(mkdtemp(name.data()), nullptr);
-    folder() = name;
+    ofSuite() = std::make_unique<testsupport::TemporaryFolder>();
     phantom::PhantomOptions options;
     options.outDir = folder() / "study";
     ASSERT_TRUE(phantom::writePhantom(options).written);
   }
-  static void TearDownTestSuite() {
-    std::error_code ignored;
-    fs::remove_all(folder(), ignored);
-  }
-  static fs::path& folder() {
-    static fs::path path;
-    return path;
+  static void TearDownTestSuite() { ofSuite().reset(); }
+  static const fs::path& folder() { return ofSuite()->path(); }
+  static std::unique_ptr<testsupport::TemporaryFolder>& ofSuite() {
+    static std::unique_ptr<testsupport::TemporaryFolder> made;
+    return made;
   }
 
   void SetUp() override {
@@ -169,12 +162,10 @@ TEST(RenderLoader, RefusesWhatIsNoPaintingModule) {
   ASSERT_FALSE(missing);
   EXPECT_NE(missing.problem.find("/nowhere/libvertana_render.so is missing"), std::string::npos) << missing.problem;
 
-  std::string name = (fs::temp_directory_path() / "vertana-no-module-XXXXXX").string();
-  ASSERT_NE(mkdtemp(name.data()), nullptr);
-  const fs::path text = fs::path(name) / "text.so";
-  std::ofstream(text) << "not a module";
+  const testsupport::TemporaryFolder temporary;
+  const fs::path text = temporary / "text.so";
+  testsupport::putText(text, "not a module");
   auto wrong = loadRenderModule(text);
-  fs::remove_all(name);
   ASSERT_FALSE(wrong);
   EXPECT_NE(wrong.problem.find("cannot be loaded"), std::string::npos) << wrong.problem;
 

@@ -1,47 +1,21 @@
 #include "workstation/session/SavedDefaults.h"
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <vector>
 
+#include "tests/support/TemporaryFolder.h"
 #include "workstation/session/JsonValues.h"
 
 namespace workstation::test {
 namespace {
 
-namespace fs = std::filesystem;
 using pelmar::Value;
 
-class KeptDefaults : public testing::Test {
+class KeptDefaults : public testsupport::DefaultsFileTest {
  protected:
-  void SetUp() override {
-    std::string pattern = testing::TempDir() + "saved-XXXXXX";
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-    file_ = folder_ / "vertana" / "defaults.json";
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
-  void put(const std::string& text) const {
-    fs::create_directories(file_.parent_path());
-    std::ofstream(file_) << text;
-  }
-  std::string text() const {
-    std::ifstream in(file_);
-    std::ostringstream whole;
-    whole << in.rdbuf();
-    return whole.str();
-  }
   SavedDefaults made() {
     return SavedDefaults(file_, [this](const std::string& sentence) { told_.push_back(sentence); });
   }
 
-  fs::path folder_;
-  fs::path file_;
   std::vector<std::string> told_;
 };
 
@@ -78,7 +52,7 @@ TEST_F(KeptDefaults, AFileThatIsNoObjectIsToldAndNeverWritten) {
 }
 
 TEST_F(KeptDefaults, WhatCannotBeWrittenIsToldOnce) {
-  std::ofstream(folder_ / "vertana") << "a file where the folder should be";
+  testsupport::putText(folder_ / "vertana", "a file where the folder should be");
   auto defaults = made();
   defaults.load();
   defaults.save({{"drawMode", Value(1)}});

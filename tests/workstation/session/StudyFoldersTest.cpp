@@ -1,11 +1,9 @@
 #include "workstation/session/StudyFolders.h"
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-
-#include <filesystem>
+#include <memory>
 
 #include "phantom/Phantom.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace workstation::test {
 namespace {
@@ -15,9 +13,7 @@ namespace fs = std::filesystem;
 class AtHand : public testing::Test {
  protected:
   static void SetUpTestSuite() {
-    std::string pattern = testing::TempDir() + "folders-XXXXXX";
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    root() = pattern;
+    folder() = std::make_unique<testsupport::TemporaryFolder>();
     for (const std::uint64_t seed : {1U, 2U}) {
       phantom::PhantomOptions options;
       options.outDir = root() / ("study" + std::to_string(seed));
@@ -29,10 +25,11 @@ class AtHand : public testing::Test {
     }
     fs::copy(root() / "study1", root() / "copy1", fs::copy_options::recursive);
   }
-  static void TearDownTestSuite() { fs::remove_all(root()); }
-  static fs::path& root() {
-    static fs::path path;
-    return path;
+  static void TearDownTestSuite() { folder().reset(); }
+  static const fs::path& root() { return folder()->path(); }
+  static std::unique_ptr<testsupport::TemporaryFolder>& folder() {
+    static std::unique_ptr<testsupport::TemporaryFolder> ofSuite;
+    return ofSuite;
   }
   static std::vector<std::string>& uids() {
     static std::vector<std::string> all;
