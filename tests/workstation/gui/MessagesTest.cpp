@@ -122,7 +122,7 @@ TEST_F(Messages, AFullDiskIsToldOnImportAndLeavesTheDatabaseAsItWas) {
 TEST_F(Messages, ADatabaseThatMayNotBeWrittenIsToldOnImport) {
   using std::filesystem::perms;
   std::filesystem::create_directories(database() / "studies");
-  std::filesystem::permissions(folder_, perms(0755));
+  std::filesystem::permissions(folder_.path(), perms(0755));
   for (const auto& folder : {database(), database() / "studies"}) std::filesystem::permissions(folder, perms(0555));
   {
     const NotRoot person;
