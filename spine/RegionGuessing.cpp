@@ -12,10 +12,10 @@ constexpr std::string_view customTermsKey = "kVertanaCustomStudyDescriptionSearc
 
 /// The region of the first term, records and terms in order, for which the test holds; -1 when it never does.
 template <class Test>
-long firstMatch(const std::vector<RegionTerms>& records, const Test& matches) {
+long firstMatch(const std::vector<CustomTermRecord>& records, const Test& matches) {
   for (const auto& record : records) {
     for (const auto& term : record.terms) {
-      if (matches(term)) return record.region;
+      if (matches(term)) return record.anatomicalRegion;
     }
   }
   return AnatomicalRegionNone;
@@ -37,7 +37,7 @@ long VertanaFilter::guessedAnatomicalRegion() const {
   }
 
   // Searching a missing description reports a hit on the first term: such a study counts as cervical.
-  if (!description) return studyDescriptionTerms().front().region;
+  if (!description) return studyDescriptionTerms().front().anatomicalRegion;
   const auto lower = text.lowercaseString(*description);
   const long builtIn = firstMatch(studyDescriptionTerms(), [&](const auto& term) {
     return text.containsIgnoringCaseDiacriticsAndWidth(lower, text.lowercaseString(term));

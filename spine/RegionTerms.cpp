@@ -25,24 +25,24 @@ Value recordOf(long region, Value::Array terms) {
 
 }  // namespace
 
-std::vector<RegionTerms> bodyPartTerms() {
+std::vector<CustomTermRecord> bodyPartTerms() {
   return {
       {0, {"CSPINE", "HEADNECK", "NECK"}}, {1, {"BREAST", "CHEST", "TSPINE"}}, {2, {"ABDOMEN", "LSPINE", "LSSPINE"}}};
 }
 
-std::vector<RegionTerms> studyDescriptionTerms() {
+std::vector<CustomTermRecord> studyDescriptionTerms() {
   return {{0, {"cervical", "zervikal"}},
           {1, {"thoracic", "thorax", "dorsal", "torax"}},
           {2, {"lombaire", "lumbar", "lumbale"}}};
 }
 
-std::vector<RegionTerms> regionTermsFromValue(const Value& stored) {
-  std::vector<RegionTerms> records;
+std::vector<CustomTermRecord> regionTermsFromValue(const Value& stored) {
+  std::vector<CustomTermRecord> records;
   if (!stored.array()) return records;
   for (const auto& entry : *stored.array()) {
     const auto* dictionary = entry.dictionary();
     if (!dictionary) continue;
-    RegionTerms record{regionOf(*dictionary), {}};
+    CustomTermRecord record{regionOf(*dictionary), {}};
     for (const auto& term : termsOf(*dictionary)) {
       if (term.string()) record.terms.push_back(*term.string());
     }
@@ -72,10 +72,10 @@ Value listWithTermUnderRegion(const Value& stored, const std::string& term, long
   return list;
 }
 
-Value valueFromRegionTerms(const std::vector<RegionTerms>& records) {
+Value valueFromRegionTerms(const std::vector<CustomTermRecord>& records) {
   Value::Array list;
   for (const auto& record : records) {
-    list.push_back(recordOf(record.region, Value::Array(record.terms.begin(), record.terms.end())));
+    list.push_back(recordOf(record.anatomicalRegion, Value::Array(record.terms.begin(), record.terms.end())));
   }
   return list;
 }

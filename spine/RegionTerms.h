@@ -8,25 +8,25 @@
 
 namespace vertana {
 
-/// Terms of one region.
-struct RegionTerms {
-  long region = -1;
+/// Terms of one region, -1 to 2 (see spine/Catalogue.h), in no particular order.
+struct CustomTermRecord {
+  long anatomicalRegion = -1;
   std::vector<std::string> terms;
 };
 
 /// Body Part Examined defined terms (PS3.16 Annex L), compared whole.
-std::vector<RegionTerms> bodyPartTerms();
+std::vector<CustomTermRecord> bodyPartTerms();
 
 /// Words of study descriptions in several languages, searched anywhere in the text.
-std::vector<RegionTerms> studyDescriptionTerms();
+std::vector<CustomTermRecord> studyDescriptionTerms();
 
 /// The records of a stored list; entries of another shape are passed over.
-std::vector<RegionTerms> regionTermsFromValue(const pelmar::Value& stored);
+std::vector<CustomTermRecord> regionTermsFromValue(const pelmar::Value& stored);
 
 /// The stored list with the term filed under the region's records and under no other, each record's terms without
 /// duplicates. Records keep their number and order; terms that are no texts, and entries that are no records, stay.
 pelmar::Value listWithTermUnderRegion(const pelmar::Value& stored, const std::string& term, long region);
 
-pelmar::Value valueFromRegionTerms(const std::vector<RegionTerms>& records);
+pelmar::Value valueFromRegionTerms(const std::vector<CustomTermRecord>& records);
 
 }  // namespace vertana

@@ -89,10 +89,10 @@ INSTANTIATE_TEST_SUITE_P(Table, DescriptionWord,
                                            Word{"lumbar", 2}, Word{"lumbale", 2}));
 
 TEST(RegionTables, haveTheirRegionsAndTermsInOrder) {
-  const auto expectTables = [](const std::vector<vertana::RegionTerms>& table, const std::vector<Terms>& terms) {
+  const auto expectTables = [](const std::vector<vertana::CustomTermRecord>& table, const std::vector<Terms>& terms) {
     ASSERT_EQ(table.size(), terms.size());
     for (std::size_t i = 0; i < terms.size(); ++i) {
-      EXPECT_EQ(table[i].region, static_cast<long>(i));
+      EXPECT_EQ(table[i].anatomicalRegion, static_cast<long>(i));
       EXPECT_EQ(table[i].terms, terms[i]);
     }
   };
@@ -290,7 +290,7 @@ TEST_F(CustomTerms, regionsAreReadAs32BitIntegers) {
   store(Value::Array{record(4294967297, {"whole"})});
   EXPECT_EQ(guessFor("whole"), 1);
   store(Value::Array{record(4294967295, {"whole"})});
-  EXPECT_EQ(vertana::regionTermsFromValue(stored())[0].region, -1);
+  EXPECT_EQ(vertana::regionTermsFromValue(stored())[0].anatomicalRegion, -1);
 }
 
 TEST_F(CustomTerms, aStoredListOfAnotherShapeIsReturnedAsItIs) {
