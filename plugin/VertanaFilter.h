@@ -39,6 +39,9 @@ enum DrawMode : unsigned long {
 /// Labels in order from head to foot, by region number.
 using LabelLists = std::map<long, std::vector<std::string>>;
 
+/// What is stored of a labelling in its study: region, flag and planes, or nothing at all after a reset.
+using SavedState = pelmar::Value::Dictionary;
+
 /// Why the host cannot run the plug-in.
 struct RequirementsError {
   std::string domain;
@@ -173,7 +176,7 @@ class VertanaFilter : public pelmar::PluginFilter {
 
   /// Builds or rebuilds the curve from the line, else the polygon, else the planes.
   void createOpenPolygon();
-  /// The planes, computed from the curve where they are not; absent without a curve.
+  /// The planes, computed from the curve where there are none; absent without planes and curve.
   const IntervertebralPlanes& intervertebralPlanes();
   void setIntervertebralPlanes(IntervertebralPlanes planes) { intervertebralPlanes_ = std::move(planes); }
   void computeIntervertebralPlanes();
@@ -246,13 +249,13 @@ class VertanaFilter : public pelmar::PluginFilter {
 
   void saveCurrentState();
   void saveEmptyState();
-  void saveState(const pelmar::Value::Dictionary& state);
-  std::optional<pelmar::Value::Dictionary> savedState() const;
+  void saveState(const SavedState& state);
+  std::optional<SavedState> savedState() const;
   bool savedStateExists() const;
   bool isSavedStateEmpty() const;
   void loadState();
-  const std::optional<pelmar::Value::Dictionary>& savedDictionary() const { return savedDictionary_; }
-  void setSavedDictionary(std::optional<pelmar::Value::Dictionary> state) { savedDictionary_ = std::move(state); }
+  const std::optional<SavedState>& savedDictionary() const { return savedDictionary_; }
+  void setSavedDictionary(std::optional<SavedState> state) { savedDictionary_ = std::move(state); }
 
  private:
   friend class VertanaWindowController;
@@ -295,7 +298,7 @@ class VertanaFilter : public pelmar::PluginFilter {
   pelmar::Ref<pelmar::ROI> openPolygonROI_;
   IntervertebralPlanes intervertebralPlanes_;
   std::shared_ptr<VertanaWindowController> windowController_;
-  std::optional<pelmar::Value::Dictionary> savedDictionary_;
+  std::optional<SavedState> savedDictionary_;
 };
 
 /// Whether both are there and have equal Study Instance UIDs.

@@ -39,7 +39,7 @@ void VertanaFilter::saveCurrentState() {
 
 void VertanaFilter::saveEmptyState() { saveState({}); }
 
-void VertanaFilter::saveState(const Value::Dictionary& state) {
+void VertanaFilter::saveState(const SavedState& state) {
   if (savedDictionary_ && *savedDictionary_ == state) return;
   const auto archive = api().keyedArchiving().archivedDataWithRootObject(state);
   auto database = api().browserControllerClass().currentBrowser()->database();
@@ -59,7 +59,7 @@ void VertanaFilter::saveState(const Value::Dictionary& state) {
   setSavedDictionary(state);
 }
 
-std::optional<Value::Dictionary> VertanaFilter::savedState() const {
+std::optional<SavedState> VertanaFilter::savedState() const {
   const auto path = study_->SRImageWithSeriesID(StateSeriesID, stateSeriesDescription)->completePathResolved();
   if (!path || !api().application().fileExistsAtPath(*path)) return std::nullopt;
   auto data = api().srAnnotationClass().initWithContentsOfFile(*path)->dataEncapsulated().value_or(Bytes());

@@ -9,7 +9,7 @@ using pelmar::Bytes;
 using pelmar::Value;
 using Lines = std::vector<std::string>;
 
-using LoadedState = SavedState;
+using LoadedState = StateSaving;
 
 // --- reading ---
 

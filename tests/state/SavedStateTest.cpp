@@ -9,7 +9,7 @@ using pelmar::Ref;
 using pelmar::Value;
 using Lines = std::vector<std::string>;
 
-TEST_F(SavedState, currentStateHoldsRegionFlagAndPlanes) {
+TEST_F(StateSaving, currentStateHoldsRegionFlagAndPlanes) {
   filter.setIntervertebralPlanes({{plane("L4-L5", {1, 2, 3})}});
   filter.saveCurrentState();
   const auto state = filter.savedState();
@@ -29,7 +29,7 @@ TEST_F(SavedState, currentStateHoldsRegionFlagAndPlanes) {
   expectVector(pelmar::ref_cast<pelmar::Point3D>(record.at("vector").object()), 0, 0, -1, 0);
 }
 
-TEST_F(SavedState, planeIsStoredByWhatItHas) {
+TEST_F(StateSaving, planeIsStoredByWhatItHas) {
   const auto point = testhost::makePoint(1, 2, 3);
   filter.setIntervertebralPlanes(
       {{IntervertebralPlane{"L1-L2", point, {}}, IntervertebralPlane{"L2-L3", {}, point}, IntervertebralPlane{}}});
@@ -47,7 +47,7 @@ TEST_F(SavedState, planeIsStoredByWhatItHas) {
   EXPECT_EQ(keysOf(records[2]), Lines{"name"});
 }
 
-TEST_F(SavedState, reportCarriesDescriptionNumberAndAnImageOfTheStudyAndIsImported) {
+TEST_F(StateSaving, reportCarriesDescriptionNumberAndAnImageOfTheStudyAndIsImported) {
   filter.saveEmptyState();
   ASSERT_EQ(host.reports.made.size(), 1U);
   const auto& report = host.reports.made[0];
@@ -58,7 +58,7 @@ TEST_F(SavedState, reportCarriesDescriptionNumberAndAnImageOfTheStudyAndIsImport
   EXPECT_EQ(study->reports.size(), 1U);
 }
 
-TEST_F(SavedState, reportTakesPatientAndStudyFromTheFirstImageThereIs) {
+TEST_F(StateSaving, reportTakesPatientAndStudyFromTheFirstImageThereIs) {
   const auto image = study->ordinarySeries->front()->images()->front();
   const auto withImage = study->ordinarySeries->front();
   const auto withoutList = pelmar::makeRef<testhost::TestSeries>();
@@ -70,28 +70,28 @@ TEST_F(SavedState, reportTakesPatientAndStudyFromTheFirstImageThereIs) {
   EXPECT_TRUE(host.reports.made[0]->forImage == image);
 }
 
-TEST_F(SavedState, savingTheSameStateTwiceWritesOnce) {
+TEST_F(StateSaving, savingTheSameStateTwiceWritesOnce) {
   filter.setIntervertebralPlanes({{plane("L4-L5", {1, 2, 3})}});
   filter.saveCurrentState();
   filter.saveCurrentState();
   EXPECT_EQ(writes(), 1U);
 }
 
-TEST_F(SavedState, veryFirstEmptyStateIsWrittenEvenIfTheStudyHasNone) {
+TEST_F(StateSaving, veryFirstEmptyStateIsWrittenEvenIfTheStudyHasNone) {
   filter.saveEmptyState();
   EXPECT_EQ(writes(), 1U);
   ASSERT_TRUE(filter.savedState());
   EXPECT_TRUE(filter.savedState()->empty());
 }
 
-TEST_F(SavedState, emptyStateRightAfterLoadingAnEmptyStateIsNotWritten) {
+TEST_F(StateSaving, emptyStateRightAfterLoadingAnEmptyStateIsNotWritten) {
   store(Value::Dictionary{});
   filter.loadState();
   filter.saveEmptyState();
   EXPECT_EQ(writes(), 0U);
 }
 
-TEST_F(SavedState, withoutPlanesNothingIsStored) {
+TEST_F(StateSaving, withoutPlanesNothingIsStored) {
   store(lumbarState());
   filter.saveCurrentState();
   filter.setIntervertebralPlanes(std::vector<IntervertebralPlane>{});
@@ -100,7 +100,7 @@ TEST_F(SavedState, withoutPlanesNothingIsStored) {
   EXPECT_EQ(filter.savedState()->size(), 3U) << "the older state stays";
 }
 
-TEST_F(SavedState, ofSeveralFittingSeriesTheLastOneIsJoined) {
+TEST_F(StateSaving, ofSeveralFittingSeriesTheLastOneIsJoined) {
   study->addReportSeries(seriesDescription, seriesNumber, "first");
   study->addReportSeries(seriesDescription, seriesNumber, "last");
   study->addReportSeries(seriesDescription, seriesNumber + 1, "wrong number");
@@ -109,13 +109,13 @@ TEST_F(SavedState, ofSeveralFittingSeriesTheLastOneIsJoined) {
   EXPECT_EQ(host.reports.made[0]->content.seriesUID, "last");
 }
 
-TEST_F(SavedState, failedWriteStillCountsAsSaved) {
+TEST_F(StateSaving, failedWriteStillCountsAsSaved) {
   host.reports.writes = false;
   filter.saveEmptyState();
   EXPECT_TRUE(filter.savedDictionary());
 }
 
-TEST_F(SavedState, offTheMainThreadTheIndependentDatabaseImports) {
+TEST_F(StateSaving, offTheMainThreadTheIndependentDatabaseImports) {
   filter.saveEmptyState();
   EXPECT_EQ(host.calls.countContaining("independentDatabase.addFilesAtPaths"), 0U);
   EXPECT_EQ(host.calls.countContaining("database.addFilesAtPaths"), 1U);
@@ -130,7 +130,7 @@ TEST_F(SavedState, offTheMainThreadTheIndependentDatabaseImports) {
       << "the path is still the main database's, the import is the other's alone";
 }
 
-TEST_F(SavedState, archiveIsImportedWithAllFourFlags) {
+TEST_F(StateSaving, archiveIsImportedWithAllFourFlags) {
   filter.saveEmptyState();
   const auto& report = host.reports.made[0];
   EXPECT_EQ(host.calls.count("database.uniquePath(dcm)"), 1U);
@@ -138,7 +138,7 @@ TEST_F(SavedState, archiveIsImportedWithAllFourFlags) {
   EXPECT_EQ(host.archiving.unarchiveObjectWithData(*report->content.data), Value(Value::Dictionary{}));
 }
 
-TEST_F(SavedState, reportIsMadeThenPutInItsSeriesThenWrittenThenImported) {
+TEST_F(StateSaving, reportIsMadeThenPutInItsSeriesThenWrittenThenImported) {
   study->addReportSeries(seriesDescription, seriesNumber, "first");
   study->addReportSeries(seriesDescription, seriesNumber, "last");
   filter.saveEmptyState();
@@ -150,7 +150,7 @@ TEST_F(SavedState, reportIsMadeThenPutInItsSeriesThenWrittenThenImported) {
              "report.writeToFileAtPath(" + path + ")", "database.addFilesAtPaths(" + path + ",true,true,true,true)"}));
 }
 
-TEST_F(SavedState, withoutAFittingSeriesTheReportStartsANewOne) {
+TEST_F(StateSaving, withoutAFittingSeriesTheReportStartsANewOne) {
   study->addReportSeries(seriesDescription, seriesNumber + 1, "wrong number");
   study->addReportSeries(seriesDescription + " ", seriesNumber, "wrong description");
   study->addReportSeries(std::nullopt, seriesNumber, "no description");
@@ -158,20 +158,20 @@ TEST_F(SavedState, withoutAFittingSeriesTheReportStartsANewOne) {
   EXPECT_EQ(host.calls.countContaining("setSeriesInstanceUID"), 0U);
 }
 
-TEST_F(SavedState, seriesNumberIsReadAsA32BitInteger) {
+TEST_F(StateSaving, seriesNumberIsReadAsA32BitInteger) {
   study->addReportSeries(seriesDescription, seriesNumber + (1L << 32), "low 32 bits fit");
   filter.saveEmptyState();
   EXPECT_EQ(host.reports.made[0]->content.seriesUID, "low 32 bits fit");
 }
 
-TEST_F(SavedState, studyWithoutSeriesOfReportsStartsANewOne) {
+TEST_F(StateSaving, studyWithoutSeriesOfReportsStartsANewOne) {
   study->reportSeries.reset();
   filter.saveEmptyState();
   EXPECT_EQ(writes(), 1U);
   EXPECT_EQ(study->reports.size(), 1U);
 }
 
-TEST_F(SavedState, studyWithoutImagesGivesTheReportNone) {
+TEST_F(StateSaving, studyWithoutImagesGivesTheReportNone) {
   const auto series = pelmar::makeRef<testhost::TestSeries>();
   const std::vector<std::optional<std::vector<Ref<pelmar::DicomSeries>>>> lists{
       std::nullopt, std::vector<Ref<pelmar::DicomSeries>>(), std::vector<Ref<pelmar::DicomSeries>>{series}};
@@ -188,19 +188,19 @@ TEST_F(SavedState, studyWithoutImagesGivesTheReportNone) {
   EXPECT_EQ(writes(), 4U);
 }
 
-TEST_F(SavedState, reportTakesAnImageOfTheStudy) {
+TEST_F(StateSaving, reportTakesAnImageOfTheStudy) {
   filter.saveEmptyState();
   EXPECT_TRUE(host.reports.made[0]->forImage == study->ordinarySeries->front()->images()->front());
 }
 
-TEST_F(SavedState, withoutADatabaseNothingIsWrittenAndTheStateCountsAsSaved) {
+TEST_F(StateSaving, withoutADatabaseNothingIsWrittenAndTheStateCountsAsSaved) {
   host.browser.current = nullptr;
   filter.saveEmptyState();
   EXPECT_EQ(writes(), 0U);
   EXPECT_TRUE(filter.savedDictionary());
 }
 
-TEST_F(SavedState, statesAreEqualWhenTheyHoldTheSamePointsNotEqualOnes) {
+TEST_F(StateSaving, statesAreEqualWhenTheyHoldTheSamePointsNotEqualOnes) {
   filter.setIntervertebralPlanes({{plane("L4-L5", {1, 2, 3})}});
   filter.saveCurrentState();
   filter.setIntervertebralPlanes({{plane("L4-L5", {1, 2, 3})}});
@@ -208,7 +208,7 @@ TEST_F(SavedState, statesAreEqualWhenTheyHoldTheSamePointsNotEqualOnes) {
   EXPECT_EQ(writes(), 2U);
 }
 
-TEST_F(SavedState, anotherRegionOrFlagIsAnotherState) {
+TEST_F(StateSaving, anotherRegionOrFlagIsAnotherState) {
   const std::vector<IntervertebralPlane> planes{plane("L4-L5", {1, 2, 3})};
   for (const auto& [region, flag] : std::vector<std::pair<long, bool>>{{2, false}, {1, false}, {1, true}}) {
     filter.setAnatomicalRegion(region);
@@ -220,13 +220,13 @@ TEST_F(SavedState, anotherRegionOrFlagIsAnotherState) {
   }
 }
 
-TEST_F(SavedState, learnsTheDescriptionBeforeItWrites) {
+TEST_F(StateSaving, learnsTheDescriptionBeforeItWrites) {
   filter.setIntervertebralPlanes({{plane("L4-L5", {1, 2, 3})}});
   filter.saveCurrentState();
   EXPECT_EQ(host.calls.indexOf("userDefaults.setObject(kVertanaCustomStudyDescriptionSearchTerms)"), 0U);
 }
 
-TEST_F(SavedState, newerReportsJoinTheSeriesAndTheNewestCounts) {
+TEST_F(StateSaving, newerReportsJoinTheSeriesAndTheNewestCounts) {
   filter.saveState({{"kAdditionalVertebra", true}});
   filter.saveState({{"kAdditionalVertebra", false}});
   ASSERT_EQ(study->reports.size(), 2U) << "the older one is kept";

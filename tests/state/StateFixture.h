@@ -9,8 +9,8 @@ inline const std::string seriesDescription = "Pelmar Vertana Plugin Intervertebr
 inline constexpr long seriesNumber = 20170720;
 
 /// Starts without a state in memory and with no report in the study.
-struct SavedState : SpineStudy {
-  SavedState() {
+struct StateSaving : SpineStudy {
+  StateSaving() {
     filter.setSavedDictionary(std::nullopt);
     study->reports.clear();
     study->reportSeries.emplace();
