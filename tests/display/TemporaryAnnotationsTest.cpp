@@ -30,11 +30,16 @@ TEST_F(TemporaryAnnotations, areFoundByTheirTagViewerByViewerSliceBySliceInListO
   const auto c = host.addROI(13, sagittal, 2, {}, {temporary});
   const auto a = host.addROI(19, sagittal, 0, {}, {"uid", temporary});
   const auto b = host.addROI(14, sagittal, 0, {}, {temporary});
-  host.addROI(19, sagittal, 0, {}, {"VertanaFilterTemporaryROI"});  // spelt right: not ours
   host.addROI(19, sagittal, 1, {});
   EXPECT_EQ(concrete(filter.temporaryROIs()), (std::vector<Ref<TestROI>>{a, b, c, d}));
   EXPECT_EQ(concrete(filter.temporaryROIsForViewer(sagittal)), (std::vector<Ref<TestROI>>{a, b, c}));
   EXPECT_EQ(concrete(filter.temporaryROIsForViewer(second)), (std::vector<Ref<TestROI>>{d}));
+}
+
+TEST_F(TemporaryAnnotations, rightSpellingOfTheTagIsNotOurs) {
+  host.addROI(19, sagittal, 0, {}, {"VertanaFilterTemporaryROI"});
+  EXPECT_TRUE(filter.temporaryROIs().empty());
+  EXPECT_TRUE(filter.temporaryROIsForViewer(sagittal).empty());
 }
 
 TEST_F(TemporaryAnnotations, areFoundOnViewersOfEveryStudy) {

@@ -146,9 +146,10 @@ TEST_F(VertebraLabels, middleImageOfAnEvenCountIsTheOneAfterTheMiddle) {
 }
 
 TEST_F(VertebraLabels, labelKeepsTheSizeOfItsRectangle) {
+  host.rois.freshSize = {30, 11};
   curveThrough({{100, 0}, {100, 40}});
   filter.createLabelsOnView(sagittal->view);
-  EXPECT_EQ(labelsOn(sagittal)[0]->rectangle.size, (pelmar::PixelSize{0, 0})) << "a fresh one is empty";
+  EXPECT_EQ(labelsOn(sagittal)[0]->rectangle.size, (pelmar::PixelSize{30, 11}));
 }
 
 TEST_F(VertebraLabels, connectorLineRunsFourFifthsOfTheWayFromTheSpineToTheLabel) {

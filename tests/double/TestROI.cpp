@@ -133,6 +133,7 @@ Ref<ROI> TestROIClass::roiWithType(long type, const Ref<DCMView>& inView) {
   if (!makesROIs) return {};
   const auto roi = pelmar::makeRef<TestROI>(&host_.calls, type, inView);
   roi->image = inView->curDCM();
+  roi->rectangle.size = freshSize;
   made.push_back(roi);
   return roi;
 }

@@ -130,7 +130,8 @@ class TestROIClass : public pelmar::ROIClass {
  public:
   explicit TestROIClass(TestHost& host) : host_(host) {}
 
-  bool makesROIs = true;  ///< false: roiWithType answers nil
+  bool makesROIs = true;        ///< false: roiWithType answers nil
+  pelmar::PixelSize freshSize;  ///< of the rectangle of one that roiWithType makes
   /// Annotations made by roiWithType, oldest first, kept alive for the test to look at; the log line is
   /// "roiWithType(5)".
   std::vector<pelmar::Ref<TestROI>> made;

@@ -124,11 +124,21 @@ TEST_F(CatalogueRules, neighbouringRegionsShareTheirJunctionDisc) {
   EXPECT_EQ(discs.at(1).back(), discs.at(2).front());
 }
 
+TEST_F(CatalogueRules, extraVertebraLeavesTheJunctionAtTheHeadEndAsItIs) {
+  filter.setAdditionalVertebra(true);
+  const auto discs = filter.intervertebralPlanesLabels();
+  EXPECT_EQ(discs.at(0).back(), "C8-T1");
+  EXPECT_EQ(discs.at(1).front(), "C7-T1");
+  EXPECT_EQ(discs.at(1).back(), "T13-L1");
+  EXPECT_EQ(discs.at(2).front(), "T12-L1");
+}
+
 TEST_F(CatalogueRules, thereIsNoDiscBetweenAtlasAndAxis) {
   const auto cervical = filter.intervertebralPlanesLabels().at(0);
   EXPECT_EQ(std::count(cervical.begin(), cervical.end(), "C1-C2"), 0);
-  EXPECT_EQ(filter.vertebraeLabels().at(0).front(), "C1-C2") << "together they are one vertebra label";
 }
+
+TEST_F(CatalogueRules, atlasAndAxisCountAsOneVertebra) { EXPECT_EQ(filter.vertebraeLabels().at(0).front(), "C1-C2"); }
 
 }  // namespace
 }  // namespace testhost
