@@ -151,6 +151,17 @@ def input_held(_):
     return dumps
 
 
+def measured(_):
+    """What was measured before is no line along the spine, also when it comes back while the palette is open."""
+    line = roi(5, id=0, mode=2, points=[[100, 40], [100, 240]], slices=[7])
+    shown = [viewer(0, 1, slice=7, tool=9, roiTool=5, front=True, rois=[line])]
+    state = plugin(**ACTIVE, previousTool=9, previousROITool=5)  # those of the measuring, before the palette opened
+    return [dump("drawn again", shown, plugin=state, palette=PALETTE),
+            dump("put back", shown, plugin=state, palette=PALETTE),
+            stage("stopped", plugin={"intervertebralPlanes": None, "openPolygonROI": None}, viewers=[[line]],
+                  stored={LUMBAR: None})]
+
+
 def events(phantom):
     labelled = straight(phantom)
     sagittal, coronal = labelled.sagittal_rois(), labelled.coronal_rois()
@@ -287,6 +298,7 @@ ALL_REPORTS = OTHERS + [{"copy": "older.dcm", "to": "younger.dcm"}, {"moveReport
 # Script: its dumps, and what there is beside them.
 SCRIPTS = {
     "viewers": (viewers, {}), "line": (line, {}), "polygon": (polygon, {}), "input": (input_held, {}),
+    "measured": (measured, {}),
     "own": (own, {"status": 1, "messages": ["Step 23 of 23, \"redo\": There is nothing to redo."]}),
     "events": (events, {}), "palette": (palette, {}), "no_vertical": (no_vertical, {}), "lacking": (lacking, {}),
     "old_host": (old_host, {}), "reset_sticks": (reset_sticks, {}),

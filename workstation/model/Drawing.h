@@ -47,8 +47,8 @@ class Drawing {
   std::shared_ptr<Roi> addText(pelmar::PixelPoint at, const std::string& text);
   /// Changes a text and posts the change with "mouseUp".
   void changeText(const std::shared_ptr<Roi>& roi, const std::string& text);
-  /// Posts that an annotation was added.
-  void postAdded(const std::shared_ptr<Roi>& roi);
+  /// Posts that an annotation has changed, unless it stands in no list.
+  void postChanged(const std::shared_ptr<Roi>& roi, bool mouseUp);
   /// Forgets everything; the view shows something else or goes.
   void forget();
 
@@ -84,7 +84,7 @@ class Drawing {
   void drag(const std::shared_ptr<Roi>& roi, pelmar::PixelPoint at);
   void endDrag(const std::shared_ptr<Roi>& roi);
   void endDrawing(const std::shared_ptr<Roi>& roi);
-  void postChanged(const std::shared_ptr<Roi>& roi, bool mouseUp);
+  void postAdded(const std::shared_ptr<Roi>& roi);
 
   View& view_;
   std::weak_ptr<Roi> drawn_;      ///< in mode 1

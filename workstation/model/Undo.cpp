@@ -144,7 +144,8 @@ void Undo::putBack(View& view, Presence& presence) {
     SliceRoiList& list = view.lists().list(place.slice);
     list.insertObject(Ref<ROI>(roi), std::min(place.index, list.count()));
   }
-  view.drawing().postAdded(roi);
+  // As a fresh drawing it would be taken for the spine's line, whatever it measures.
+  view.drawing().postChanged(roi, true);
 }
 
 void Undo::forget(const View& view) {

@@ -17,7 +17,8 @@ class Viewer;
 
 /// What a person did to annotations and can take back: moves of vertices and of whole annotations, whoever made the
 /// annotation, and drawing, deleting and rewriting annotations of their own. The plug-in hears of taking back and doing
-/// again as of an edit by hand: of the change with its "mouseUp", the addition or the removal.
+/// again as of an edit by hand: of the change with its "mouseUp", or of the removal. What comes back is told as changed
+/// and never as added, for nobody has drawn it now.
 ///
 /// What has become of an annotation since may make an edit meaningless: the plug-in took it away, or put its vertices
 /// elsewhere. Such edits are passed over. A fresh edit ends what could be done again. The edits of a viewer are

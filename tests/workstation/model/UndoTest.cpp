@@ -53,7 +53,7 @@ TEST_F(TakingBack, WithoutAnEditIsRefused) {
   expectNothingToRedo();
 }
 
-TEST_F(TakingBack, ADrawingTakesItOutAndToldAsARemoval) {
+TEST_F(TakingBack, ADrawingTakesItOutToldAsARemovalAndItComesBackToldAsAChange) {
   const int id = draw({1, 2}, {30, 40}, 1);
   EXPECT_TRUE(workstation.canUndo());
   EXPECT_TRUE(workstation.undo());
@@ -62,7 +62,7 @@ TEST_F(TakingBack, ADrawingTakesItOutAndToldAsARemoval) {
   expectNothingToUndo();
   EXPECT_TRUE(workstation.canRedo());
   EXPECT_TRUE(workstation.redo());
-  EXPECT_EQ(recorder.take(), Lines{"add"});
+  EXPECT_EQ(recorder.take(), Lines{"change mouseUp"});
   EXPECT_EQ(idsOn(1), std::vector<int>{id});
   EXPECT_EQ(annotation(id)->curView(), workstation.controller(viewer)->imageView());
   EXPECT_EQ(annotation(id)->pointAtIndex(1), (PixelPoint{30, 40}));
@@ -103,7 +103,7 @@ TEST_F(TakingBack, ADeletionPutsItBackInItsPlace) {
   ASSERT_TRUE(workstation.deleteAnnotation(viewer, second));
   recorder.take();
   EXPECT_TRUE(workstation.undo());
-  EXPECT_EQ(recorder.take(), Lines{"add"});
+  EXPECT_EQ(recorder.take(), Lines{"change mouseUp"});
   EXPECT_EQ(idsOn(0), (std::vector<int>{first, second, third}));
   EXPECT_TRUE(workstation.redo());
   EXPECT_EQ(recorder.take(), Lines{"remove"});
@@ -135,7 +135,7 @@ TEST_F(TakingBack, APolygonGoesAsAWhole) {
   EXPECT_TRUE(workstation.redo());
   ASSERT_TRUE(annotation(*id));
   EXPECT_EQ(annotation(*id)->points()->count(), 3u);
-  EXPECT_EQ(recorder.take(), Lines{"add"});
+  EXPECT_EQ(recorder.take(), Lines{"change mouseUp"});
   expectNothingToRedo();
 }
 
@@ -187,7 +187,7 @@ TEST_F(TakingBack, ThePlugInMayDeleteWhatIsPutBack) {
   const int id = draw({1, 2}, {30, 40});
   ASSERT_TRUE(workstation.deleteAnnotation(viewer, id));
   recorder.react = [&](const std::string& line, const pelmar::Notification& posted) {
-    if (line == "add") workstation.api().roiClass().deleteROI(pelmar::ref_cast<ROI>(posted.object));
+    if (line == "change") workstation.api().roiClass().deleteROI(pelmar::ref_cast<ROI>(posted.object));
   };
   EXPECT_TRUE(workstation.undo());
   EXPECT_FALSE(annotation(id));
