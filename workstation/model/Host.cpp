@@ -118,6 +118,8 @@ void Host::closeViewer(const std::shared_ptr<Viewer>& viewer) {
   std::erase(stacking_, closing);
   closing->post(pelmar::PelmarCloseViewerNotification);
   closing->setClosed();
+  // The plug-in would wait for the end of a drawing that nobody can go on with.
+  if (const auto unfinished = closing->view().drawing().drawn()) unfinished->setDeleted(true);
   putAway(*closing);
 }
 

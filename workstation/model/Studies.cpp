@@ -93,7 +93,7 @@ AnnotationStash::Key AnnotationStash::keyOf(const StackId& stack) {
 void AnnotationStash::keep(const StackId& stack, const SeriesRoiLists& lists) {
   for (std::size_t slice = 0; slice < lists.count(); ++slice) {
     for (const Ref<pelmar::ROI>& roi : lists.list(slice).entries()) {
-      if (ownRoi(roi)->drawnByPerson()) kept_[keyOf(stack)].push_back({slice, roi});
+      if (ownRoi(roi)->drawnByPerson() && !ownRoi(roi)->deleted()) kept_[keyOf(stack)].push_back({slice, roi});
     }
   }
 }

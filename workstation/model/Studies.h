@@ -57,7 +57,7 @@ class StudyObject final : public pelmar::DicomStudy {
 /// The person's own annotations of the stacks that no viewer shows just now.
 class AnnotationStash {
  public:
-  /// Keeps the annotations that a person drew and that still stand in the lists.
+  /// Keeps the annotations that a person drew, that still stand in the lists and are not marked as deleted.
   void keep(const StackId& stack, const SeriesRoiLists& lists);
   /// Puts those of the stack, but for what was deleted meanwhile, into the lists and forgets them.
   void giveBack(const StackId& stack, SeriesRoiLists& lists);

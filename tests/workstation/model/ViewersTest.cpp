@@ -75,6 +75,26 @@ TEST_F(Viewers, AViewerLeavesTheListBeforeItsClosingIsPostedAndIsStillWholeThen)
   EXPECT_EQ(workstation.frontViewer(), other);
 }
 
+TEST_F(Viewers, WhatIsBeingDrawnGoesWithItsViewerAndWhatIsDrawnComesBack) {
+  const int viewer = *workstation.openViewer(sagittalStack);
+  ASSERT_TRUE(workstation.drawLine(viewer, 0, {1, 1}, {1, 50}));
+  ASSERT_TRUE(workstation.drawPolygon(viewer, 0, {{9, 9}, {9, 30}}, false));
+  pelmar::WeakRef<pelmar::ROI> line;
+  pelmar::WeakRef<pelmar::ROI> polygon;
+  {
+    const auto drawn = workstation.annotations(viewer, 0);
+    ASSERT_EQ(drawn.size(), 2u);
+    line = drawn[0].roi;
+    polygon = drawn[1].roi;
+  }
+  ASSERT_EQ(polygon.lock()->ROImode(), pelmar::ROIModeDrawing);
+  ASSERT_TRUE(workstation.closeViewer(viewer));
+  EXPECT_FALSE(polygon.lock());
+  const auto back = workstation.annotations(*workstation.openViewer(sagittalStack));
+  ASSERT_EQ(back.size(), 1u);
+  EXPECT_TRUE(back[0].roi == line.lock());
+}
+
 TEST_F(Viewers, NumbersAreNeverUsedAgain) {
   EXPECT_EQ(*workstation.openViewer(sagittalStack), 0);
   ASSERT_TRUE(workstation.closeViewer(0));
