@@ -19,8 +19,8 @@ namespace {
 /// "2026-11-21 12:00:00" in the report's own time.
 std::string timeOf(const workstation::ContentTime& time) {
   if (time.date.size() != 8 || time.time.size() < 6) return "(no time)";
-  return time.date.substr(0, 4) + "-" + time.date.substr(4, 2) + "-" + time.date.substr(6) + " " +
-         time.time.substr(0, 2) + ":" + time.time.substr(2, 2) + ":" + time.time.substr(4, 2);
+  return printable(time.date.substr(0, 4) + "-" + time.date.substr(4, 2) + "-" + time.date.substr(6) + " " +
+                   time.time.substr(0, 2) + ":" + time.time.substr(2, 2) + ":" + time.time.substr(4, 2));
 }
 
 std::string contentOf(const HistoryEntry& entry) {

@@ -4,6 +4,8 @@
 #include <iomanip>
 #include <nlohmann/json.hpp>
 
+#include "cli/PlainText.h"
+
 namespace cli {
 
 using nlohmann::ordered_json;
@@ -52,7 +54,7 @@ std::size_t printStack(std::ostream& out, const std::vector<LabelledSlice>& slic
     std::size_t next = i;
     while (next < end && slices[next].name == slices[i].name) ++next;
     out << "  " << std::left << std::setw(12) << sliceRange(slices[i].slice, slices[next - 1].slice)
-        << slices[i].name.value_or("(none)") << '\n';
+        << printable(slices[i].name.value_or("(none)")) << '\n';
     i = next;
   }
   return end;
@@ -68,7 +70,7 @@ void printLabelling(std::ostream& out, const Labelling& labelling, std::string_v
       << " of 0-" << labelling.verticalSlices - 1 << ".\n\n";
   out << "  disc        centre: left, back, head (mm)\n";
   for (const auto& plane : labelling.planes) {
-    out << "  " << std::left << std::setw(10) << plane.name << std::right << std::fixed << std::setprecision(1);
+    out << "  " << padded(printable(plane.name), 10) << std::right << std::fixed << std::setprecision(1);
     for (const double coordinate : plane.point) out << std::setw(9) << coordinate;
     out << '\n';
   }

@@ -51,6 +51,17 @@ TEST(LabelReport, JsonTellsACurveThatIsNotKnownAsNull) {
   EXPECT_TRUE(nlohmann::json::parse(out.str()).at("curve").is_null());
 }
 
+TEST(LabelReport, NamesThatWouldCommandATerminalArePrintedWithoutThePower) {
+  auto labelling = twoStacks();
+  labelling.planes[0].name = "L1\x1b[2J";
+  labelling.slices[1].name = "L2\x1b[2J";
+  std::ostringstream out;
+  printLabelling(out, labelling, "Labelled");
+  EXPECT_EQ(out.str().find('\x1b'), std::string::npos);
+  EXPECT_NE(out.str().find("  L1?[2J          1.0     -2.2     30.0\n"), std::string::npos) << out.str();
+  EXPECT_NE(out.str().find("  1           L2?[2J\n"), std::string::npos) << out.str();
+}
+
 TEST(LabelReport, CsvHasARowADiscAndARowASlice) {
   auto labelling = twoStacks();
   labelling.planes[0].name = "L1,\"L2\"";
