@@ -128,7 +128,7 @@ testFolder() {
 checkPluginReadsOnlyItsOwn() {
   local foreign
   foreign=$(ninja -C "$1" -t deps |
-            grep -iE '/(dcmtk|openjpeg[^/]*|nlohmann|CLI|sqlite[^/]*|SQLiteCpp|qt[0-9]*|utf8proc)[/.]|/workstation/' |
+            grep -iE '/(dcmtk|plist[^/]*|openjpeg[^/]*|nlohmann|CLI|sqlite[^/]*|SQLiteCpp|qt[0-9]*|utf8proc)[/.]|/workstation/' |
             sort -u || true)
   if [ -n "$foreign" ]; then
     complain "$foreign"
