@@ -13,7 +13,6 @@ the standard library and pydicom (Debian package python3-pydicom).
 
 FOLDER holds truth.json and the DICOM files. Exit status: 0 agreement, 1 differences, 2 wrong usage, 3 unreadable input.
 """
-
 import json
 import math
 import os
