@@ -67,6 +67,7 @@ std::shared_ptr<Roi> Drawing::begin(PixelPoint at, long type) {
   const bool isPolygon = type == pelmar::ROITypeOpenPolygon;
   roi->setPoints(std::vector<MyPoint>(isPolygon ? 1 : verticesOfStroke(type), MyPoint::point(at)));
   view_.lists().list(static_cast<std::size_t>(view_.curImage())).addObject(Ref<ROI>(roi));
+  view_.host().log().drawingBegun(view_.number(), static_cast<int>(view_.curImage()), type, at);
   postAdded(roi);
   if (isPolygon) postChanged(roi, false);
   return roi;
@@ -75,6 +76,7 @@ std::shared_ptr<Roi> Drawing::begin(PixelPoint at, long type) {
 void Drawing::addVertex(const std::shared_ptr<Roi>& roi, PixelPoint at) {
   pressed_ = roi;
   roi->points()->addObject(MyPoint::point(at));
+  view_.host().log().pointAdded(view_.number(), at);
   postChanged(roi, false);
 }
 
@@ -87,10 +89,12 @@ void Drawing::pressVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, P
   dragged_ = roi;
   pressed_ = roi;
   roi->setROIMode(pelmar::ROIModeEditing);
+  view_.host().log().vertexGrabbed(view_.number(), roi->id(), static_cast<int>(vertex));
 }
 
 void Drawing::pressWhole(const std::shared_ptr<Roi>& roi, PixelPoint at) {
   pointer_ = at;
+  view_.host().log().selecting(view_.number(), roi->id());
   deselectOthers(roi.get());
   roi->setROIMode(pelmar::ROIModeSelected);
   grabbedShape_ = shapeOf(*roi);
@@ -105,6 +109,14 @@ void Drawing::drag(const std::shared_ptr<Roi>& roi, PixelPoint at) {
   shape.reserve(grabbedShape_.size());
   for (const PixelPoint& was : grabbedShape_) shape.push_back({was.x + to.x, was.y + to.y});
   setShape(*roi, shape);
+}
+
+void Drawing::tellDrag(PixelPoint at, bool dropped) {
+  PersonLog& log = view_.host().log();
+  if (!grabbedShape_.empty()) return log.wholeMoved(view_.number());
+  const PixelPoint to{at.x + grabOffset_.x, at.y + grabOffset_.y};
+  if (dropped) return log.vertexDropped(view_.number(), to);
+  log.vertexMoved(view_.number(), to);
 }
 
 void Drawing::setVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, PixelPoint at) {
@@ -124,9 +136,11 @@ void Drawing::move(PixelPoint at) {
   }
   if (living(dragged_)) {
     drag(pressed, at);
+    tellDrag(at, false);
     postChanged(pressed, false);
   } else if (drawn() == pressed && verticesOfStroke(pressed->type()) > 0) {
     setVertex(pressed, verticesOfStroke(pressed->type()) - 1, at);
+    view_.host().log().lineMoved(view_.number(), at);
     postChanged(pressed, false);
   }
 }
@@ -139,9 +153,11 @@ void Drawing::release(PixelPoint at) {
   if (!pressed || clicked) return grabbedShape_.clear();
   if (living(dragged_)) {
     drag(pressed, at);
+    tellDrag(at, true);
     endDrag(pressed);
   } else if (drawn() == pressed && verticesOfStroke(pressed->type()) > 0) {
     setVertex(pressed, verticesOfStroke(pressed->type()) - 1, at);
+    view_.host().log().lineReleased(view_.number(), at);
     endDrawing(pressed);
     // An arrow without a direction points nowhere.
     if (pressed->type() == pelmar::ROITypeArrow && pressed->distinctPoints() < 2)
@@ -153,6 +169,7 @@ void Drawing::release(PixelPoint at) {
 void Drawing::finishPolygon() {
   const auto polygon = drawn();
   if (!polygon || polygon->type() != pelmar::ROITypeOpenPolygon) return;
+  view_.host().log().polygonFinished(view_.number());
   endDrawing(polygon);
   pressed_.reset();
   postChanged(polygon, true);
@@ -202,12 +219,14 @@ std::shared_ptr<Roi> Drawing::addText(PixelPoint at, const std::string& text) {
   roi->setROIMode(pelmar::ROIModeSelected);
   view_.lists().list(static_cast<std::size_t>(view_.curImage())).addObject(Ref<ROI>(roi));
   view_.host().undo().drawn(view_, roi);
+  view_.host().log().textWritten(view_.number());
   postAdded(roi);
   return roi;
 }
 
 void Drawing::changeText(const std::shared_ptr<Roi>& roi, const std::string& text) {
   roi->setName(text);
+  view_.host().log().textWritten(view_.number());
   postChanged(roi, true);
 }
 

@@ -82,6 +82,8 @@ class Drawing {
   void addVertex(const std::shared_ptr<Roi>& roi, pelmar::PixelPoint at);
   void setVertex(const std::shared_ptr<Roi>& roi, std::size_t vertex, pelmar::PixelPoint at);
   void drag(const std::shared_ptr<Roi>& roi, pelmar::PixelPoint at);
+  /// Tells the person's log how far the drag has come; `dropped`: that it is over.
+  void tellDrag(pelmar::PixelPoint at, bool dropped);
   void endDrag(const std::shared_ptr<Roi>& roi);
   void endDrawing(const std::shared_ptr<Roi>& roi);
   void postAdded(const std::shared_ptr<Roi>& roi);

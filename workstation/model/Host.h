@@ -6,6 +6,7 @@
 #include "host/PelmarAPI.h"
 #include "workstation/model/EventLoop.h"
 #include "workstation/model/Notifications.h"
+#include "workstation/model/PersonLog.h"
 #include "workstation/model/Points.h"
 #include "workstation/model/RoiClass.h"
 #include "workstation/model/Services.h"
@@ -76,6 +77,10 @@ class Host final : public pelmar::PelmarAPI {
   const Defaults& defaults() const { return defaults_; }
   Notifications& notifications() { return notifications_; }
   Undo& undo() { return undo_; }
+  /// Who hears what the person does.
+  PersonLog& log() { return *log_; }
+  /// Null: nobody.
+  void setLog(PersonLog* log) { log_ = log ? log : &nobody_; }
 
   // --- the contract ------------------------------------------------------------------------------------------------
   bool supports(pelmar::Capability capability) const override { return !options_.lacking.contains(capability); }
@@ -122,6 +127,8 @@ class Host final : public pelmar::PelmarAPI {
   std::vector<std::shared_ptr<Viewer>> viewers_;
   std::vector<std::shared_ptr<Viewer>> stacking_;  ///< the same viewers, the front one last
   int nextViewer_ = 0;
+  PersonLog nobody_;
+  PersonLog* log_ = &nobody_;
 };
 
 }  // namespace workstation

@@ -43,6 +43,9 @@ struct Workstation::Interior {
   };
   std::optional<Drawn> drawn;  ///< of the last curve whose viewer let go of it
 
+  /// Opens a viewer as an event and answers its number. The stack must exist.
+  int open(const StackId& id);
+
   /// The open viewer with this number; null when there is none.
   std::shared_ptr<Viewer> find(int number) const;
   static Outcome notOpen(int number);

@@ -51,6 +51,11 @@ void View::post(std::string_view notification) {
       {std::string(notification), Ref<pelmar::DCMView>(shared_from_this()), std::nullopt});
 }
 
+int View::number() const {
+  const auto viewer = viewer_.lock();
+  return viewer ? viewer->number() : -1;
+}
+
 bool View::drawsWithLeftButton() const { return currentTool() == MouseToolAnnotate; }
 
 long View::annotationTool() const {

@@ -33,6 +33,8 @@ class View final : public pelmar::DCMView, public std::enable_shared_from_this<V
   const ViewTransform& transform() const { return transform_; }
 
   void post(std::string_view notification);
+  /// Of its viewer; -1 once that has gone.
+  int number() const;
   bool drawsWithLeftButton() const;
   long annotationTool() const;
 

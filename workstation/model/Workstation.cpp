@@ -25,6 +25,8 @@ pelmar::PelmarAPI& Workstation::api() { return interior_->host; }
 
 EventLoop& Workstation::events() { return interior_->host.events(); }
 
+void Workstation::setPersonLog(PersonLog* log) { interior_->host.setLog(log); }
+
 // --- the plug-in ---------------------------------------------------------------------------------------------------
 
 void Workstation::Interior::letGoOfPlugin() {
@@ -64,6 +66,7 @@ Outcome Workstation::chooseMenu(int viewer, const std::string& title) {
     pelmar::PluginFilter& filter = interior_->plugin->filter();
     filter.setCommandViewerController(pelmar::Ref<pelmar::ViewerController>(chosen));
     filter.filterImage(title);
+    interior_->host.log().menuChosen(viewer, title);
     return Outcome::done();
   });
 }
@@ -148,22 +151,29 @@ std::optional<PaletteInfo> Workstation::palette() const {
 Outcome Workstation::pressPalette(const std::string& action) {
   return interior_->usePalette([&](PaletteWindow& window) -> Outcome {
     const std::string whole = !action.empty() && action.back() == ':' ? action : action + ":";
-    if (window.owner()->performAction(whole)) return Outcome::done();
-    return Outcome::refused("The palette has no control with the action \"" + action + "\".");
+    if (!window.owner()->performAction(whole)) {
+      return Outcome::refused("The palette has no control with the action \"" + action + "\".");
+    }
+    interior_->host.log().palettePressed(whole);
+    return Outcome::done();
   });
 }
 
 Outcome Workstation::closePalette() {
-  return interior_->usePalette([](PaletteWindow& window) {
+  return interior_->usePalette([&](PaletteWindow& window) {
     window.close();
+    interior_->host.log().paletteClosed();
     return Outcome::done();
   });
 }
 
 Outcome Workstation::setPaletteValue(const std::string& key, const pelmar::Value& value) {
   return interior_->usePalette([&](PaletteWindow& window) -> Outcome {
-    if (window.owner()->setValue(value, key)) return Outcome::done();
-    return Outcome::refused("The palette has no setting \"" + key + "\" that takes this value.");
+    if (!window.owner()->setValue(value, key)) {
+      return Outcome::refused("The palette has no setting \"" + key + "\" that takes this value.");
+    }
+    interior_->host.log().paletteValueSet(key, value);
+    return Outcome::done();
   });
 }
 

@@ -25,6 +25,7 @@ namespace workstation {
 
 class EventLoop;
 class Host;
+class PersonLog;
 
 /// What the workstation is made with. The pointers are not owned, may be null and must outlive it.
 struct Options {
@@ -291,6 +292,9 @@ class Workstation {
 
   /// Ends as a person does: closes the palette, then each viewer in the order of opening; then tells the reports.
   void quit();
+
+  /// Who hears what the person does, by the operations above; null: nobody. Not owned: it is taken away before it goes.
+  void setPersonLog(PersonLog* log);
 
   /// The loop in which all of the above run as events.
   EventLoop& events();

@@ -51,6 +51,7 @@ std::vector<int> slicesHolding(const SeriesRoiLists& lists, const Ref<ROI>& roi)
 Outcome Workstation::selectMouseTool(int viewer, long tag) {
   return interior_->withViewer(viewer, [&](Viewer& chosen) {
     chosen.setToolTag(tag);
+    interior_->host.log().mouseToolChosen(viewer, tag);
     return Outcome::done();
   });
 }
@@ -62,6 +63,7 @@ Outcome Workstation::selectRoiTool(int viewer, long tag) {
                               ": choose 5 (length line), 10 (open polygon), 13 (text), 14 (arrow) or 19 (point).");
     }
     chosen.setROIToolTag(tag);
+    interior_->host.log().annotationToolChosen(viewer, tag);
     return Outcome::done();
   });
 }
@@ -118,6 +120,7 @@ bool Workstation::wouldHold(int viewer, pelmar::ViewPoint at) const {
 
 Outcome Workstation::deselect(int viewer) {
   return interior_->withViewer(viewer, [&](Viewer& shown) {
+    interior_->host.log().selecting(viewer, -1);
     shown.view().drawing().deselectOthers(nullptr);
     shown.needsDisplayUpdate();
     return Outcome::done();
@@ -221,6 +224,7 @@ Outcome Workstation::deleteAnnotation(int viewer, int annotation) {
   return interior_->withViewer(viewer, [&](Viewer& shown) -> Outcome {
     for (const AnnotationInfo& info : annotations(viewer)) {
       if (info.id != annotation) continue;
+      interior_->host.log().deleting(viewer, annotation);
       interior_->host.undo().deleting(shown.view(), std::static_pointer_cast<Roi>(info.roi.shared()));
       interior_->host.roiClass().deleteROI(info.roi);
       return Outcome::done();
@@ -263,13 +267,19 @@ std::optional<AnnotationInfo> Workstation::textAt(int viewer, pelmar::ViewPoint 
 }
 
 Outcome Workstation::undo() {
-  return interior_->run(
-      [&] { return interior_->host.undo().undo() ? Outcome::done() : Outcome::refused("There is nothing to undo."); });
+  return interior_->run([&] {
+    if (!interior_->host.undo().undo()) return Outcome::refused("There is nothing to undo.");
+    interior_->host.log().undone();
+    return Outcome::done();
+  });
 }
 
 Outcome Workstation::redo() {
-  return interior_->run(
-      [&] { return interior_->host.undo().redo() ? Outcome::done() : Outcome::refused("There is nothing to redo."); });
+  return interior_->run([&] {
+    if (!interior_->host.undo().redo()) return Outcome::refused("There is nothing to redo.");
+    interior_->host.log().redone();
+    return Outcome::done();
+  });
 }
 
 bool Workstation::canUndo() const { return interior_->host.undo().canUndo(); }

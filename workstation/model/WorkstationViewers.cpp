@@ -1,6 +1,7 @@
 // The facade's viewers: opening, closing, and how images are shown in them.
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "workstation/model/Interior.h"
 
@@ -47,24 +48,33 @@ Outcome Workstation::Interior::notOpen(int number) {
   return Outcome::refused("No viewer with the number " + std::to_string(number) + " is open.");
 }
 
+int Workstation::Interior::open(const StackId& id) {
+  return run([&] {
+    const int number = host.openViewer(id)->number();
+    host.log().viewerOpened(number);
+    return number;
+  });
+}
+
 Result<std::vector<int>> Workstation::openStudy(const std::string& studyUid) {
   using Opened = Result<std::vector<int>>;
   if (!study(studyUid)) return Opened::refused("The study \"" + studyUid + "\" cannot be opened: it was not added.");
   std::vector<int> numbers;
   for (const StackId& id : stacks(studyUid)) {
-    numbers.push_back(interior_->run([&] { return interior_->host.openViewer(id)->number(); }));
+    numbers.push_back(interior_->open(id));
   }
   return Opened::of(std::move(numbers));
 }
 
 Result<int> Workstation::openViewer(const StackId& id) {
   if (!stack(id)) return Result<int>::refused(sentence(id));
-  return Result<int>::of(interior_->run([&] { return interior_->host.openViewer(id)->number(); }));
+  return Result<int>::of(interior_->open(id));
 }
 
 Outcome Workstation::closeViewer(int viewer) {
   return interior_->withViewer(viewer, [&](Viewer& closing) {
     interior_->host.closeViewer(closing.shared_from_this());
+    interior_->host.log().viewerClosed(viewer);
     return Outcome::done();
   });
 }
@@ -73,6 +83,7 @@ Outcome Workstation::switchSeries(int viewer, const StackId& id) {
   if (!stack(id)) return Outcome::refused(sentence(id));
   return interior_->withViewer(viewer, [&](Viewer& changing) {
     interior_->host.switchSeries(changing, id);
+    interior_->host.log().seriesSwitched(viewer);
     return Outcome::done();
   });
 }
@@ -80,6 +91,7 @@ Outcome Workstation::switchSeries(int viewer, const StackId& id) {
 Outcome Workstation::bringToFront(int viewer) {
   return interior_->withViewer(viewer, [&](Viewer& front) {
     interior_->host.bringToFront(front.shared_from_this());
+    interior_->host.log().broughtToFront(viewer);
     return Outcome::done();
   });
 }
@@ -137,6 +149,7 @@ Outcome Workstation::scroll(int viewer, int slice) {
     shown.view().setCurImage(static_cast<std::size_t>(slice));
     shown.needsDisplayUpdate();
     shown.view().post(pelmar::PelmarDCMViewIndexChangedNotification);
+    interior_->host.log().scrolled(viewer, slice);
     return Outcome::done();
   });
 }
@@ -149,6 +162,7 @@ Outcome Workstation::zoom(int viewer, double scale) {
     shown.view().transform().scale = scale;
     shown.needsDisplayUpdate();
     shown.view().post(pelmar::PelmarViewScaleChanged);
+    interior_->host.log().zoomed(viewer, scale);
     return Outcome::done();
   });
 }
@@ -163,6 +177,7 @@ Outcome Workstation::pan(int viewer, double dx, double dy) {
     origin = {origin.x + dx, origin.y + dy};
     shown.needsDisplayUpdate();
     shown.view().post(pelmar::PelmarViewOriginChanged);
+    interior_->host.log().panned(viewer, dx, dy);
     return Outcome::done();
   });
 }
@@ -171,10 +186,12 @@ Outcome Workstation::fit(int viewer) {
   return interior_->withViewer(viewer, [&](Viewer& shown) {
     ViewTransform& transform = shown.view().transform();
     transform.scale = transform.scaleToFit();
-    transform.origin = {};
+    const pelmar::ViewPoint was = std::exchange(transform.origin, {});
     shown.needsDisplayUpdate();
     shown.view().post(pelmar::PelmarViewScaleChanged);
     shown.view().post(pelmar::PelmarViewOriginChanged);
+    interior_->host.log().zoomed(viewer, transform.scale);
+    interior_->host.log().panned(viewer, -was.x, -was.y);
     return Outcome::done();
   });
 }
@@ -190,6 +207,7 @@ Outcome Workstation::rotate(int viewer, double degrees) {
     if (rotation < 0) rotation += 360;
     if (rotation >= 360) rotation = 0;  // a tiny negative angle rounds up to the full turn
     shown.needsDisplayUpdate();
+    interior_->host.log().rotated(viewer, degrees);
     return Outcome::done();
   });
 }
@@ -200,6 +218,7 @@ Outcome Workstation::flip(int viewer, FlipAxis axis) {
     bool& flipped = axis == FlipAxis::horizontal ? transform.flippedHorizontally : transform.flippedVertically;
     flipped = !flipped;
     shown.needsDisplayUpdate();
+    interior_->host.log().flipped(viewer, axis);
     return Outcome::done();
   });
 }
