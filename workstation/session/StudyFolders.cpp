@@ -16,6 +16,24 @@ fs::path nameOf(const fs::path& place) {
   return error ? place : canonical;
 }
 
+/// The folder in which all these files lie, however deep.
+fs::path commonFolder(const std::vector<ImageRecord>& images) {
+  fs::path common = nameOf(images.front().file).parent_path();
+  for (const ImageRecord& image : images) {
+    const fs::path folder = nameOf(image.file).parent_path();
+    const auto [end, ignored] = std::mismatch(common.begin(), common.end(), folder.begin(), folder.end());
+    fs::path shared;
+    for (auto part = common.begin(); part != end; ++part) shared /= *part;
+    common = std::move(shared);
+  }
+  return common;
+}
+
+bool liesIn(const fs::path& folder, const fs::path& file) {
+  const fs::path name = nameOf(file);
+  return std::mismatch(folder.begin(), folder.end(), name.begin(), name.end()).first == folder.end();
+}
+
 }  // namespace
 
 void StudyFolders::add(std::unique_ptr<StudyDatabase> database, const fs::path& place) {
@@ -66,6 +84,32 @@ std::vector<ImageRecord> StudyFolders::images(const std::string& studyUid) {
     if (!images.empty()) return images;
   }
   return {};
+}
+
+StudyFolders::Folder* StudyFolders::folderOf(const std::string& studyUid) {
+  const auto found = std::find_if(folders_.begin(), folders_.end(),
+                                  [&](const Folder& folder) { return !folder.database->images(studyUid).empty(); });
+  return found == folders_.end() ? nullptr : &*found;
+}
+
+fs::path StudyFolders::placeOf(const std::string& studyUid) {
+  const Folder* folder = folderOf(studyUid);
+  return folder ? folder->place : fs::path();
+}
+
+fs::path StudyFolders::ownFolder(const std::string& studyUid) {
+  const Folder* folder = folderOf(studyUid);
+  if (!folder) return {};
+  const auto entries = folder->database->studies();
+  if (entries.size() == 1) return folder->place;
+  const fs::path own = commonFolder(folder->database->images(studyUid));
+  for (const StudyEntry& entry : entries) {
+    if (entry.studyUid == studyUid) continue;
+    const auto images = folder->database->images(entry.studyUid);
+    if (std::any_of(images.begin(), images.end(), [&](const auto& image) { return liesIn(own, image.file); }))
+      return {};
+  }
+  return own;
 }
 
 std::vector<std::string> StudyFolders::takeNotices() {

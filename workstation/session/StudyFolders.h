@@ -27,6 +27,11 @@ class StudyFolders {
   std::vector<UnreadableFile> unreadableFilesIn(const std::filesystem::path& place);
   /// The slices of a study; empty when it is nowhere.
   std::vector<ImageRecord> images(const std::string& studyUid);
+  /// From where the study was added, canonical; empty when it is nowhere.
+  std::filesystem::path placeOf(const std::string& studyUid);
+  /// The same where that place holds no other study, else the folder in which all images of this study and none of
+  /// another one lie; empty when there is none.
+  std::filesystem::path ownFolder(const std::string& studyUid);
   /// Whole sentences about indexes that could not be used, since the last call.
   std::vector<std::string> takeNotices();
   /// Looks for files that came or went.
@@ -40,6 +45,8 @@ class StudyFolders {
     std::unique_ptr<StudyDatabase> database;
     std::size_t noticesTaken = 0;
   };
+
+  Folder* folderOf(const std::string& studyUid);
 
   std::vector<Folder> folders_;
   ReportShelves shelves_;

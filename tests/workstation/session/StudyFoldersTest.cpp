@@ -83,5 +83,36 @@ TEST_F(AtHand, TheSearchLooksInAll) {
   EXPECT_GE(folders.studies(entry.patientId).size(), 1U);
 }
 
+TEST_F(AtHand, AStudyIsFoundWhereItAloneLies) {
+  add("study1");
+  const auto place = fs::canonical(root() / "study1");
+  EXPECT_EQ(folders.placeOf(uids()[0]), place);
+  EXPECT_EQ(folders.ownFolder(uids()[0]), place);
+  EXPECT_EQ(folders.placeOf(uids()[1]), fs::path());
+  EXPECT_EQ(folders.ownFolder(uids()[1]), fs::path());
+}
+
+TEST_F(AtHand, AStudyAmongOthersHasTheFolderThatIsItsOwn) {
+  add(".");
+  EXPECT_EQ(folders.placeOf(uids()[1]), fs::canonical(root()));
+  EXPECT_EQ(folders.ownFolder(uids()[1]), fs::canonical(root() / "study2"));
+}
+
+TEST_F(AtHand, StudiesThatLieTogetherHaveNoFolderOfTheirOwn) {
+  fs::create_directory(root() / "mixed");
+  for (const std::string name : {"study1", "study2"}) {
+    int number = 0;
+    for (const auto& file : fs::recursive_directory_iterator(root() / name)) {
+      if (file.path().extension() == ".dcm")
+        fs::copy_file(file.path(), root() / "mixed" / (name + "-" + std::to_string(++number) + ".dcm"));
+    }
+  }
+  add("mixed");
+  ASSERT_EQ(folders.studies().size(), 2U);
+  EXPECT_EQ(folders.placeOf(uids()[0]), fs::canonical(root() / "mixed"));
+  EXPECT_EQ(folders.ownFolder(uids()[0]), fs::path());
+  fs::remove_all(root() / "mixed");
+}
+
 }  // namespace
 }  // namespace workstation::test
