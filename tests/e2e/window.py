@@ -82,6 +82,22 @@ def label_by_hand(screen, checks, shots, vertex, target):
     quit_program(screen)
 
 
+def check_recording(program, checks, session, study, copy, hand):
+    """What was done by hand, played on the study as it was before, stores the same labelling to the last bit."""
+    checks.that(session.is_file(), "quitting writes the recording")
+    recorded = json.loads(session.read_text())
+    done = {step["do"] for step in recorded["steps"]}
+    checks.that({"openViewer", "menu", "draw", "dragVertex", "scroll", "palette", "dump"} <= done, f"it tells {done}")
+    for step in recorded["steps"]:
+        if "path" in step:
+            checks.that(step["path"] == str(study.resolve()), f"it opens {step['path']}")
+            step["path"] = str(copy)
+    run, dumps = play(program, copy, recorded)
+    checks.that(run.status == 0 and len(dumps) == 1, "the recording plays", run)
+    played = Run(program, ["show", copy, "--json"])
+    checks.that(played.status == 0 and played.json() == hand, "it stores what was labelled by hand", played)
+
+
 def main():
     program, workstation = sys.argv[1:3]
     lacking = missing_programs()
@@ -93,7 +109,7 @@ def main():
         shots = pathlib.Path(sys.argv[3]) if len(sys.argv) > 3 else root / "shots"
         shots.mkdir(parents=True, exist_ok=True)
         study = phantom(program, root / "study", "--region", "lumbar")
-        for copy in ("first", "second"):
+        for copy in ("first", "second", "third"):
             shutil.copytree(study, root / copy)
         run, curve = scripted(program, root / "first")
         checks.that(run.status == 0, "the script plays", run)
@@ -106,7 +122,8 @@ def main():
                            XDG_RUNTIME_DIR=str(root))
         screen = Screen()
         try:
-            window = screen.start([workstation, study], environment)
+            session = root / "session.json"
+            window = screen.start([workstation, "--record", session, study], environment)
             label_by_hand(screen, checks, shots, vertex, target)
             checks.that(window.wait(60) == 0, "the program ends well")
 
@@ -124,6 +141,8 @@ def main():
             levels = [[each["name"] for each in result["slices"]] for result in (hand, script)]
             differing = sum(a != b for a, b in zip(*levels))
             checks.that(differing <= len(levels[0]) // 20, f"{differing} of {len(levels[0])} slices differ")
+
+            check_recording(program, checks, session, study, root / "third", hand)
 
             window = screen.start([workstation, study], environment)
             frame = screen.until(lambda picture: picture.box_of(FRONT_FRAME))

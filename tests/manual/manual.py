@@ -16,13 +16,13 @@ sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "support"))
 from checks import Checks  # noqa: E402  pylint: disable=wrong-import-position
 from source_texts import code_of, is_inside_call, literals_of, words_of  # noqa: E402  pylint: disable=wrong-import-position
 
-# Where what a person of the window reads comes from.
+# Folders and files that what a person of the window reads comes from.
 SOURCES = ["workstation/gui", "workstation/session", "workstation/database", "workstation/bundles", "plugin", "spine",
-           "geometry", "display", "state"]
+           "geometry", "display", "state", "workstation/script/SessionRecorder.cpp"]
 # Calls whose texts are no messages: menus, labels, tool tips, the help text of the command line, colours.
 OTHER_CALLS = ["addAction", "add", "addSwitch", "addMenu", "addToolBar", "setToolTip", "setPlaceholderText",
                "setWindowTitle", "setApplicationDescription", "addPositionalArgument", "import", "database", "manual",
-               "chooseFolder", "chooseNewFile", "askText"]
+               "record", "chooseFolder", "chooseNewFile", "askText"]
 # Texts that nobody reads, or that are read in the window alone.
 OTHER_TEXTS = [re.compile(pattern) for pattern in (
     r"QToolBar \{",  # the style sheet
@@ -90,7 +90,8 @@ def messages_of(path):
 def check_messages(checks, root, words):
     count = 0
     for folder in SOURCES:
-        for path in sorted([*(root / folder).glob("*.cpp"), *(root / folder).glob("*.h")]):
+        place = root / folder
+        for path in [place] if place.is_file() else sorted([*place.glob("*.cpp"), *place.glob("*.h")]):
             for text in messages_of(path):
                 count += 1
                 checks.that(holds(words, words_of(text)), f"{path.relative_to(root)}: the manual tells of \"{text}\"")

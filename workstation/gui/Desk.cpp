@@ -1,6 +1,7 @@
 #include "workstation/gui/Desk.h"
 
 #include <set>
+#include <utility>
 
 namespace workstation {
 namespace {
@@ -11,19 +12,32 @@ std::pair<std::string, int> nameOf(const ImageRecord& slice) { return {slice.sop
 }  // namespace
 
 Desk::Desk(const DeskOptions& options, Prompts& prompts)
-    : prompts_(prompts),
-      screenHeight_(options.screenHeight),
+    : options_(options),
+      prompts_(prompts),
       defaults_(options.defaultsFile, [this](const std::string& sentence) { tell(sentence); }),
-      cache_(reader_, options.cacheBytes),
-      session_(folders_.shelf(), workstationOptions(options)) {
-  if (const auto loaded = session_.loadPlugin(options.plugin); !loaded) tell(*loaded.problem);
+      cache_(reader_, options.cacheBytes) {
+  begin();
 }
 
-Options Desk::workstationOptions(const DeskOptions& options) {
+void Desk::begin() {
+  session_.emplace(folders_.shelf(), workstationOptions());
+  if (const auto loaded = session_->loadPlugin(options_.plugin); !loaded) tell(*loaded.problem);
+}
+
+void Desk::restart() {
+  // Two plug-in objects at a time are not meant to be.
+  session_.reset();
+  begin();
+  for (const std::string& study : std::exchange(addedStudies_, {})) {
+    if (const Outcome added = addStudy(study); !added) tell(*added.problem);
+  }
+}
+
+Options Desk::workstationOptions() {
   Options made;
   made.defaultsStore = &defaults_;
-  made.screenWidth = options.screenWidth;
-  made.screenHeight = options.screenHeight;
+  made.screenWidth = options_.screenWidth;
+  made.screenHeight = options_.screenHeight;
   made.listeners.showAlert = [this](const Alert& alert) { prompts_.showAlert(alert); };
   made.listeners.openAddress = [this](const std::string& address) {
     if (hooks_.openAddress) hooks_.openAddress(address);
@@ -51,6 +65,7 @@ Outcome Desk::addStudy(const std::string& studyUid) {
                             " holds no image that can be shown: its files may have been moved or deleted.");
   }
   workstation().addImages(std::move(images));
+  addedStudies_.push_back(studyUid);
   return Outcome::done();
 }
 

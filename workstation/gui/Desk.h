@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,10 +50,10 @@ class Desk {
   Hooks& hooks() { return hooks_; }
   Prompts& prompts() { return prompts_; }
   StudyFolders& folders() { return folders_; }
-  Workstation& workstation() { return session_.workstation(); }
-  LabellingStore& store() { return session_.store(); }
+  Workstation& workstation() { return session_->workstation(); }
+  LabellingStore& store() { return session_->store(); }
   PixelCache& pixels() { return cache_; }
-  double screenHeight() const { return screenHeight_; }
+  double screenHeight() const { return options_.screenHeight; }
 
   /// Adds the study's images to the workstation unless they are there. Refused when it is nowhere.
   Outcome addStudy(const std::string& studyUid);
@@ -62,6 +63,10 @@ class Desk {
   /// Takes such changes into the workstation and answers whether there were any; the study's stacks may have other ids
   /// then. Leaves a study as it is that a viewer shows or of which nothing is left.
   bool takeChanges(const std::string& studyUid);
+  /// Begins anew as the program does when it is started again, with the studies that were added: a workstation in which
+  /// nothing has happened, and a new plug-in object. Workstation::quit() must have come before; references to the
+  /// workstation stay valid.
+  void restart();
   /// Whether the plug-in has a labelling in memory.
   bool hasLabellingInMemory();
   /// Whether there is a labelling in memory that is neither in that study nor waiting to be written to it: the study's
@@ -73,17 +78,19 @@ class Desk {
   std::vector<std::string> takeMessages();
 
  private:
-  Options workstationOptions(const DeskOptions& options);
+  void begin();
+  Options workstationOptions();
 
+  const DeskOptions options_;
   Prompts& prompts_;
   Hooks hooks_;
-  double screenHeight_;
   std::vector<std::string> messages_;
   StudyFolders folders_;
   SavedDefaults defaults_;
   PixelReader reader_;
   PixelCache cache_;
-  Session session_;
+  std::optional<Session> session_;         ///< always there, in the same place
+  std::vector<std::string> addedStudies_;  ///< in order
 };
 
 }  // namespace workstation

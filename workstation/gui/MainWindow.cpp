@@ -34,6 +34,7 @@ MainWindow::MainWindow(Desk& desk, QSettings& settings, std::filesystem::path da
 }
 
 MainWindow::~MainWindow() {
+  desk_.workstation().setPersonLog(nullptr);
   desk_.hooks() = {};
   task_.reset();
 }
@@ -86,6 +87,12 @@ void MainWindow::makeWidgets() {
   studiesAction_ = dock->toggleViewAction();
   palette_ = new PaletteWidget(desk_, this);
   statusBar()->setSizeGripEnabled(false);
+  recordingSign_ = new QLabel(this);
+  recordingSign_->setTextFormat(Qt::PlainText);
+  QPalette red = recordingSign_->palette();
+  red.setColor(QPalette::WindowText, QColor(255, 107, 94));
+  recordingSign_->setPalette(red);
+  statusBar()->addPermanentWidget(recordingSign_);
 }
 
 void MainWindow::connectDesk() {
@@ -199,6 +206,7 @@ void MainWindow::resizeEvent(QResizeEvent* event) {
 void MainWindow::closeEvent(QCloseEvent* event) {
   // A panel of the plug-in waits: the event that it belongs to must end first.
   if (desk_.workstation().events().busy()) return event->ignore();
+  stopRecording();
   keepLayout();
   quitModel();
   isQuit_ = true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QActionGroup>
+#include <QLabel>
 #include <QMainWindow>
 #include <QSettings>
 #include <QTimer>
@@ -19,6 +20,7 @@
 #include "workstation/gui/PaletteWidget.h"
 #include "workstation/gui/ViewerGrid.h"
 #include "workstation/gui/WindowPresets.h"
+#include "workstation/script/SessionRecorder.h"
 
 namespace workstation {
 
@@ -58,6 +60,15 @@ class MainWindow final : public QMainWindow {
   void writeText(int viewer, pelmar::PixelPoint at);
   /// Asks what a text shall say instead.
   void rewriteText(int viewer, int text);
+
+  /// Asks whether and in which file, then records.
+  void startRecording();
+  /// Begins the workstation anew with what was open, and from then on writes down what the person does as a session
+  /// script. Does not begin when something would be lost; messages tell.
+  void recordTo(const std::filesystem::path& file);
+  /// Writes the script; tells what it leaves out. Nothing when none is recorded.
+  void stopRecording();
+  bool isRecording() const { return recorder_ != nullptr; }
 
   /// Brings everything up to date with the model at once; else that happens after the event.
   void refresh();
@@ -114,6 +125,22 @@ class MainWindow final : public QMainWindow {
   void showInViewers(const std::vector<StackId>& stacks);
   void quitModel();
 
+  // Recording (MainWindowRecording.cpp).
+  struct ShownStack {
+    StackId id;
+    int slice = 0;
+    bool front = false;
+  };
+  std::vector<ShownStack> shownStacks();
+  std::optional<script::StudyPlace> placeForScript(const std::string& studyUid);
+  std::unique_ptr<script::SessionRecorder> makeRecorder();
+  bool everythingIsSaved();
+  bool canRecord();
+  std::filesystem::path chooseRecordingFile();
+  void showAgain(const std::vector<ShownStack>& shown);
+  bool writeRecording(const std::string& text);
+  void showRecordingSign();
+
   void connectDesk();
   void makeWidgets();
   void restoreLayout();
@@ -147,12 +174,16 @@ class MainWindow final : public QMainWindow {
   QAction* redoAction_ = nullptr;
   QAction* deleteAction_ = nullptr;
   QAction* studiesAction_ = nullptr;  ///< shows and hides the browser
+  QAction* recordAction_ = nullptr;
+  QLabel* recordingSign_ = nullptr;
   QMenu* pluginMenu_ = nullptr;
   QMenu* viewMenu_ = nullptr;
   QMenu* windowMenu_ = nullptr;
   std::vector<QAction*> viewerActions_;  ///< those that need an open viewer
   std::set<std::string> studiesShown_;  ///< every study that was in a viewer: their labellings must be saved at the end
   std::vector<std::filesystem::path> foldersToOpen_;
+  std::unique_ptr<script::SessionRecorder> recorder_;
+  std::filesystem::path recordingFile_;
   std::unique_ptr<BackgroundTask> task_;
   PageOpener pages_;
 };

@@ -84,6 +84,15 @@ void MainWindow::makeFileMenu() {
   menu->addSeparator();
   viewerActions_.push_back(addAction(menu, "&Close viewer", QKeySequence("Ctrl+W"), [this] { closeFrontViewer(); }));
   menu->addSeparator();
+  recordAction_ = addAction(menu, {}, QKeySequence("Ctrl+Shift+R"), [this] {
+    if (isRecording()) {
+      stopRecording();
+    } else {
+      startRecording();
+    }
+  });
+  showRecordingSign();
+  menu->addSeparator();
   addAction(menu, "&Quit", QKeySequence("Ctrl+Q"), [this] { close(); });
 }
 

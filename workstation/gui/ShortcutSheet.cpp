@@ -52,6 +52,7 @@ std::vector<Section> pointerAndKeys() {
 QString plainText(QString text) {
   text.remove('&');
   if (text.endsWith(" ...")) text.chop(4);
+  if (text.endsWith("…")) text.chop(1);
   return text;
 }
 

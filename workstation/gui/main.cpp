@@ -20,6 +20,7 @@ namespace fs = std::filesystem;
 struct Arguments {
   std::vector<fs::path> studies;
   fs::path database;
+  fs::path recording;  ///< empty: none
   bool import = false;
   bool manual = false;
 };
@@ -36,7 +37,8 @@ Arguments argumentsOf(const QApplication& application) {
   const QString place = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/vertana/database";
   const QCommandLineOption database("database", "The database folder (" + place + ").", "DIR", place);
   const QCommandLineOption manual("manual", "Print where the manual is, and end.");
-  parser.addOptions({import, database, manual});
+  const QCommandLineOption record("record", "Record the session into FILE, for vertana play.", "FILE");
+  parser.addOptions({import, database, record, manual});
   parser.addPositionalArgument("STUDY", "A folder of DICOM files.", "[STUDY...]");
   parser.process(application);
   Arguments arguments;
@@ -44,6 +46,7 @@ Arguments argumentsOf(const QApplication& application) {
   arguments.database = parser.value(database).toStdString();
   arguments.import = parser.isSet(import);
   arguments.manual = parser.isSet(manual);
+  if (parser.isSet(record)) arguments.recording = fs::absolute(parser.value(record).toStdString());
   return arguments;
 }
 
@@ -75,6 +78,7 @@ int main(int count, char** values) {
   workstation::MainWindow window(desk, settings, arguments.database);
   prompts.setParent(&window);
   window.show();
+  if (!arguments.recording.empty()) window.recordTo(arguments.recording);
   if (arguments.import && !arguments.studies.empty()) {
     window.importPaths(arguments.studies);
   } else {
