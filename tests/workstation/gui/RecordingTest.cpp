@@ -66,7 +66,7 @@ class Recording : public WindowTest {
       step["path"] = (folder_ / "before").string();
     }
     std::ofstream(folder_ / "again.json") << script.dump();
-    qputenv("XDG_CONFIG_HOME", folder_.c_str());
+    qputenv("XDG_CONFIG_HOME", folder_.path().c_str());
     qputenv("VERTANA_PLUGIN", VERTANA_BUNDLE);
     QProcess command;
     command.start(VERTANA_COMMAND, {"play", QString::fromStdString((folder_ / "again.json").string())});
