@@ -64,7 +64,10 @@ FileContents readFileContents(const fs::path& file) {
   } else if (any.header) {
     contents.kind = FileKind::object;
     contents.header = std::move(any.header);
-    if (any.report) contents.labelling = decode(*any.report);
+    if (any.report) {
+      contents.labelling = decode(*any.report);
+      if (*any.report) contents.report = *std::move(*any.report);
+    }
   } else if (!read.directories.empty()) {
     contents.kind = FileKind::directory;
   }

@@ -35,9 +35,11 @@ struct FileContents {
   std::vector<ImageRecord> images;            ///< of an image, in order of the frames
   std::optional<ObjectHeader> header;         ///< of an object
   std::optional<DecodedLabelling> labelling;  ///< of a report with the labellings' series number and description
+  std::optional<StoredReport> report;         ///< the same as it lies there, where it can be read; not indexed
 };
 
-/// Reads all that the index keeps of the file. Never throws for anything that the file contains.
+/// Reads all that the index keeps of the file, and a labelling's report. Never throws for anything that the file
+/// contains.
 FileContents readFileContents(const std::filesystem::path& file);
 
 /// The state that a report holds: its archive's, or, when it carries none, that of its standard content.

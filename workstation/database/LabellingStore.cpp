@@ -31,6 +31,11 @@ LabellingStore::Interior::Interior(ReportShelf& shelf, pelmar::Point3DClass& poi
       browser_(makeBrowser(*this)),
       annotations_(makeAnnotationClass(*this)) {}
 
+Result<StoredReport> LabellingStore::Interior::readReport(const std::filesystem::path& file) const {
+  auto last = shelf_.reportReadLast(file);
+  return last ? Result<StoredReport>::of(*std::move(last)) : parts_.readFile(file);
+}
+
 LabellingStore::LabellingStore(ReportShelf& shelf, pelmar::Point3DClass& points, LabellingStoreParts parts)
     : interior_(std::make_unique<Interior>(shelf, points, std::move(parts))) {}
 
@@ -73,7 +78,7 @@ ReportContext LabellingStore::countingContext(const std::string& studyUid) const
   const auto counts = counting(studyUid);
   if (!counts) return {};
   const std::lock_guard lock(interior_->mutex_);
-  const auto report = interior_->parts_.readFile(counts->file);
+  const auto report = interior_->readReport(counts->file);
   return report ? report->context : ReportContext();
 }
 

@@ -33,6 +33,9 @@ class LabellingStore::Interior {
  public:
   Interior(ReportShelf& shelf, pelmar::Point3DClass& points, LabellingStoreParts parts);
 
+  /// The report in a file, which the shelf may have read already.
+  Result<StoredReport> readReport(const std::filesystem::path& file) const;
+
   // --- the plug-in's files (LabellingStoreReports.cpp) -------------------------------------------------------------
   std::optional<std::string> handOutPath(const std::string& studyUid, std::string_view extension);
   /// Remembers the report when the path was handed out; writes its file otherwise.

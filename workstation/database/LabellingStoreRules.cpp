@@ -149,7 +149,7 @@ void LabellingStore::Interior::noticeContent(const std::string& path) {
 }
 
 Result<MadeReport> LabellingStore::Interior::madeAgain(const std::string& studyUid, const ShelvedReport& earlier) {
-  const auto read = parts_.readFile(earlier.file);
+  const auto read = readReport(earlier.file);
   if (!read) {
     return Result<MadeReport>::refused("its file " + earlier.file.string() + " cannot be read: " + read.problem + ".");
   }

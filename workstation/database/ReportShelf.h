@@ -2,6 +2,7 @@
 // Where reports of labellings lie, seen by what decides which of them counts.
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,8 @@ class ReportShelf {
   virtual std::vector<ReportSeries> reportSeries(const std::string& studyUid) = 0;
   /// Every report with the labellings' series number and description, also what another process has just added.
   virtual std::vector<ShelvedReport> labellings(const std::string& studyUid) = 0;
+  /// The report in the file where the shelf has just read it for itself; nothing says no more than that it has not.
+  virtual std::optional<StoredReport> reportReadLast(const std::filesystem::path& /*file*/) { return std::nullopt; }
   /// Where a new file of the study may be written; nothing is there yet.
   virtual std::filesystem::path freshPath(const std::string& studyUid, std::string_view extension) = 0;
   /// Writes a report's file so that it is there whole or not at all, also after a crash, and enters it into the index.

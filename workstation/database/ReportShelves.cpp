@@ -24,6 +24,13 @@ std::vector<ShelvedReport> ReportShelves::labellings(const std::string& studyUid
   return shelf ? shelf->labellings(studyUid) : std::vector<ShelvedReport>();
 }
 
+std::optional<StoredReport> ReportShelves::reportReadLast(const fs::path& file) {
+  for (ReportShelf* shelf : shelves_) {
+    if (auto report = shelf->reportReadLast(file)) return report;
+  }
+  return std::nullopt;
+}
+
 fs::path ReportShelves::freshPath(const std::string& studyUid, std::string_view extension) {
   ReportShelf* shelf = holding(studyUid);
   return shelf ? shelf->freshPath(studyUid, extension) : fs::path();

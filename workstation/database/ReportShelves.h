@@ -16,6 +16,7 @@ class ReportShelves final : public ReportShelf {
   bool holdsStudy(const std::string& studyUid) override;
   std::vector<ReportSeries> reportSeries(const std::string& studyUid) override;
   std::vector<ShelvedReport> labellings(const std::string& studyUid) override;
+  std::optional<StoredReport> reportReadLast(const std::filesystem::path& file) override;
   std::filesystem::path freshPath(const std::string& studyUid, std::string_view extension) override;
   Outcome store(const std::string& studyUid, const std::filesystem::path& file, const pelmar::Bytes& bytes) override;
   std::filesystem::path anyImage(const std::string& studyUid) override;

@@ -157,7 +157,9 @@ bool StudyDatabase::update(const FolderListing& listing, const Progress& progres
   std::vector<FileToIndex> files;
   for (FileStamp& file : difference.fresh) {
     if (progress && !progress(files.size(), total)) return false;
+    const auto began = LastReport::Clock::now();
     FileContents contents = readFileContents(scan_.pathOf(file));
+    if (contents.report) lastReport_.keep(scan_.pathOf(file), *std::exchange(contents.report, {}), began);
     // Permissions can change without a trace in size and time: such a file is tried again next time.
     if (contents.kind == FileKind::unreadable && ::access(scan_.pathOf(file).c_str(), R_OK) != 0) file.mtimeNs = 0;
     files.push_back({std::move(file), std::move(contents)});

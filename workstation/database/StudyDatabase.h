@@ -12,6 +12,7 @@
 #include "workstation/database/AtomicFile.h"
 #include "workstation/database/FolderScan.h"
 #include "workstation/database/Import.h"
+#include "workstation/database/LastReport.h"
 #include "workstation/database/ReportShelf.h"
 #include "workstation/dicom/StudyReader.h"
 #include "workstation/model/ImageRecord.h"
@@ -93,6 +94,9 @@ class StudyDatabase final : public ReportShelf {
   /// An object that lies in several files is listed with the first by path.
   std::vector<ReportSeries> reportSeries(const std::string& studyUid) override;
   std::vector<ShelvedReport> labellings(const std::string& studyUid) override;
+  std::optional<StoredReport> reportReadLast(const std::filesystem::path& file) override {
+    return lastReport_.find(file);
+  }
   /// Beside the study's first image, under a plain name, so that who copies the images copies the report.
   std::filesystem::path freshPath(const std::string& studyUid, std::string_view extension) override;
   /// Refused also when the bytes are no structured report of that study, when there is such a file already, and when
@@ -123,6 +127,7 @@ class StudyDatabase final : public ReportShelf {
   FolderScan scan_;
   bool looksAtFiles_ = true;  ///< false: the index is believed
   std::unique_ptr<Index> index_;
+  LastReport lastReport_;
   std::vector<std::string> notices_;
 };
 
