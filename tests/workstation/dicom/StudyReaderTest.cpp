@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 
 #include "DicomFixtures.h"
 
@@ -15,6 +16,17 @@ namespace workstation::test {
 namespace {
 
 namespace fs = std::filesystem;
+
+/// The bytes that this process has been given by the system so far, from files of any kind.
+std::uint64_t bytesReadSoFar() {
+  std::ifstream counts("/proc/self/io");
+  std::string name;
+  std::uint64_t count = 0;
+  while (counts >> name >> count) {
+    if (name == "rchar:") return count;
+  }
+  return 0;
+}
 
 class StudyReader : public testing::Test {
  protected:
@@ -37,6 +49,21 @@ TEST_F(StudyReader, FindsImagesAtAnyDepthWithAndWithoutExtension) {
   EXPECT_TRUE(result.unreadable.empty());
   EXPECT_TRUE(result.notDicom.empty());
   EXPECT_TRUE(result.warning.empty()) << result.warning;
+}
+
+TEST_F(StudyReader, LeavesPixelDataWhereTheyAre) {
+  ASSERT_GT(bytesReadSoFar(), 0U);
+  const fs::path file = image("large.dcm");
+  edit(file, [](DcmDataset& dataset) {
+    const std::vector<Uint16> pixels(4096UL * 4096UL, 7);
+    dataset.putAndInsertUint16(DCM_Rows, 4096);
+    dataset.putAndInsertUint16(DCM_Columns, 4096);
+    dataset.putAndInsertUint16Array(DCM_PixelData, pixels.data(), pixels.size());
+  });
+  ASSERT_GT(fs::file_size(file), 32U << 20);
+  const std::uint64_t written = bytesReadSoFar();
+  ASSERT_EQ(onlyImage(file).rows, 4096);
+  EXPECT_LT(bytesReadSoFar() - written, 1U << 20);
 }
 
 TEST_F(StudyReader, ListsWhatIsGoodAndGivesAReasonForEachBadFile) {
