@@ -1,17 +1,16 @@
 #include "phantom/Phantom.h"
 
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
 #include <algorithm>
 #include <cmath>
-#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
 
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/Requirements.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -249,29 +248,10 @@ TEST_F(PhantomStudy, FolderThatCannotBeMadeIsReported) {
   EXPECT_NE(result.problem.find(wanted.outDir.string() + " cannot be made"), std::string::npos) << result.problem;
 }
 
-/// While it lives, files of this process cannot grow beyond `bytes`: what is longer fails as on a full disk.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    getrlimit(RLIMIT_FSIZE, &before_);
-    handler_ = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{bytes, before_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, handler_);
-  }
-
- private:
-  rlimit before_{};
-  void (*handler_)(int) = nullptr;
-};
-
 TEST_F(PhantomStudy, DiskThatFillsUpAtTheImagesLeavesNothingBehind) {
   const auto wanted = options("study");
   const auto result = [&] {
-    const FileSizeLimit limit(1000);
+    const testsupport::FileSizeLimit limit(1000);
     return writePhantom(wanted);
   }();
   EXPECT_FALSE(result.written);
@@ -284,7 +264,7 @@ TEST_F(PhantomStudy, DiskThatFillsUpAtTheTruthLeavesNothingBehind) {
   auto wanted = options("study");
   wanted.imageSize = 16;
   const auto result = [&] {
-    const FileSizeLimit limit(4000);  // enough for an image, not for the truth
+    const testsupport::FileSizeLimit limit(4000);  // enough for an image, not for the truth
     return writePhantom(wanted);
   }();
   EXPECT_FALSE(result.written);

@@ -2,35 +2,14 @@
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dctk.h>
 #include <sys/prctl.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
-#include <csignal>
-
 #include "WindowFixture.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/workstation/dicom/DicomFixtures.h"
 
 namespace workstation::test {
 namespace {
-
-/// While it lives, no file can grow beyond so many bytes: what is longer fails as on a full disk.
-class FullDisk {
- public:
-  explicit FullDisk(rlim_t bytes) {
-    getrlimit(RLIMIT_FSIZE, &before_);
-    handler_ = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{bytes, before_.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FullDisk() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, handler_);
-  }
-
- private:
-  rlimit before_{};
-  void (*handler_)(int) = nullptr;
-};
 
 /// Permissions mean nothing to root, who runs tests in some places: while it lives, the process is somebody else.
 class NotRoot {
@@ -106,7 +85,7 @@ TEST_F(Messages, AFileThatCannotBeReadIsNamedOnImportAndTheRestIsImported) {
 
 TEST_F(Messages, AFullDiskIsToldOnImportAndLeavesTheDatabaseAsItWas) {
   {
-    const FullDisk disk(8192);
+    const testsupport::FileSizeLimit disk(8192);
     window_->importPaths({study()});
     waitForTask();
   }
