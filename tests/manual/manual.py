@@ -17,19 +17,34 @@ from checks import Checks  # noqa: E402  pylint: disable=wrong-import-position
 from source_texts import code_of, is_inside_call, literals_of, words_of  # noqa: E402  pylint: disable=wrong-import-position
 
 # Folders and files that what a person of the window reads comes from.
-SOURCES = ["workstation/gui", "workstation/session", "workstation/database", "workstation/bundles", "plugin", "spine",
-           "geometry", "display", "state", "workstation/script/SessionRecorder.cpp"]
+SOURCES = ["workstation/gui", "workstation/session", "workstation/database", "workstation/bundles", "workstation/dicom",
+           "workstation/model", "workstation/render", "plugin", "spine", "geometry", "display", "state",
+           "workstation/script/SessionRecorder.cpp"]
+# Files in those folders of which the window shows nothing: the phantom's images, what stands inside of reports,
+# character sets, and what only "vertana render" says.
+OTHER_FILES = ["ImageWriter.cpp", "ReportTerms.h", "SpineCodes.cpp", "CharacterSets.cpp", "PrivateBlock.h",
+               "RenderEntry.cpp", "RenderLoader.cpp"]
 # Calls whose texts are no messages: menus, labels, tool tips, the help text of the command line, colours.
 OTHER_CALLS = ["addAction", "add", "addSwitch", "addMenu", "addToolBar", "setToolTip", "setPlaceholderText",
                "setWindowTitle", "setApplicationDescription", "addPositionalArgument", "import", "database", "manual",
-               "record", "chooseFolder", "chooseNewFile", "askText"]
+               "record", "chooseFolder", "chooseNewFile", "askText", "makeUid"]
 # Texts that nobody reads, or that are read in the window alone.
 OTHER_TEXTS = [re.compile(pattern) for pattern in (
     r"QToolBar \{",  # the style sheet
     r"(SELECT|INSERT|DELETE|UPDATE|PRAGMA|CREATE|ATTACH|DROP|BEGIN|COMMIT|SQLite format) ?",
     r"\s*(WHERE|AND|ORDER BY|FROM|GROUP BY) ", r"\w+ = \?", r"[\s\w]*\?[\d)]",  # parts of such
     r" - Vertana workstation$", r"Pelmar Vertana Plugin Intervertebral Planes SR$", r"Slices of this series$",
-    r" \(Ctrl\+L\)", r"\s*r\s*$")]
+    r" \(Ctrl\+L\)", r"\s*r\s*$", r"\s*0\s+r\s*$",
+    # The texts on an image and the fonts they are written in.
+    r"(Series|Slice|Zoom|WL| WW) $", r" (mm|cm)$", r"(DejaVu|Liberation|Noto) Sans$",
+    # What a report says, and words of the standard.
+    r"(Magnetic Resonance|Computed (Tomography|Radiography)|Digital Radiography|X-Ray Angiography|Nuclear Medicine)$",
+    r"(Positron emission tomography|Other Modality|(MRI|CT) unspecified body region)$", r"[A-Z]{2}( [A-Z]{2})+$",
+    r"The spine of this study is not labelled\. A labelling that ", r"Vertana spine labelling$", r"PALETTE COLOR$",
+    # Refusals that a session script may meet, and no hand.
+    r"A (line|polygon|vertex) is (drawn|dragged) with at least ", r"There is no annotation tool $",
+    r": choose 5 \(length line\)", r" can only be (moved|turned) by ", r"The image of viewer $",
+    r"A viewer's window must have a width ")]
 MOST_BYTES, MOST_BYTES_IN_ALL = 150_000, 1_000_000
 BREAK = "\x00"
 
@@ -92,10 +107,10 @@ def check_messages(checks, root, words):
     for folder in SOURCES:
         place = root / folder
         for path in [place] if place.is_file() else sorted([*place.glob("*.cpp"), *place.glob("*.h")]):
-            for text in messages_of(path):
+            for text in messages_of(path) if path.name not in OTHER_FILES else []:
                 count += 1
                 checks.that(holds(words, words_of(text)), f"{path.relative_to(root)}: the manual tells of \"{text}\"")
-    checks.that(count > 120, f"{count} pieces of messages are found")
+    checks.that(count > 350, f"{count} pieces of messages are found")
 
 
 def check_keys(checks, root, words):
