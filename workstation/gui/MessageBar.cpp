@@ -1,9 +1,11 @@
 #include "workstation/gui/MessageBar.h"
 
+#include <QEvent>
+
 namespace workstation {
 namespace {
 
-/// More than these are counted, not shown.
+/// More than these are counted, and wait until these have been dismissed.
 constexpr qsizetype mostShown = 4;
 
 }  // namespace
@@ -13,19 +15,20 @@ MessageBar::MessageBar(QWidget* parent) : QFrame(parent) {
   label_->setWordWrap(true);
   label_->setTextFormat(Qt::PlainText);
   label_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  auto* dismiss = new QToolButton(this);
-  dismiss->setText("Dismiss");
-  dismiss->setAutoRaise(true);
+  auto* dismissButton = new QToolButton(this);
+  dismissButton->setText("Dismiss");
+  dismissButton->setAutoRaise(true);
+  dismissButton->installEventFilter(this);
   layout_ = new QHBoxLayout(this);
   layout_->setContentsMargins(12, 6, 8, 6);
   layout_->addWidget(label_, 1);
-  layout_->addWidget(dismiss, 0, Qt::AlignTop);
+  layout_->addWidget(dismissButton, 0, Qt::AlignTop);
   setAutoFillBackground(true);
   QPalette colours = palette();
   colours.setColor(QPalette::Window, QColor(92, 70, 24));
   colours.setColor(QPalette::WindowText, QColor(255, 236, 200));
   setPalette(colours);
-  connect(dismiss, &QToolButton::clicked, this, [this] { clear(); });
+  connect(dismissButton, &QToolButton::clicked, this, [this] { dismiss(); });
   hide();
 }
 
@@ -66,16 +69,29 @@ QToolButton* MessageBar::button(const std::string& subject) const {
   return found == offers_.end() ? nullptr : found->second.button;
 }
 
+QStringList MessageBar::shown() const { return sentences_.mid(0, mostShown); }
+
 void MessageBar::refresh() {
-  QStringList shown = sentences_.mid(0, mostShown);
-  if (sentences_.size() > mostShown) shown << QString("... and %1 more.").arg(sentences_.size() - mostShown);
-  label_->setText(shown.join('\n'));
+  const QStringList seen = shown();
+  QStringList lines = seen;
+  if (sentences_.size() > seen.size())
+    lines << QString("... and %1 more, shown after Dismiss.").arg(sentences_.size() - seen.size());
+  label_->setText(lines.join('\n'));
+  // A button without its sentence would not say what it is about.
+  for (const auto& [subject, offer] : offers_) offer.button->setVisible(seen.contains(offer.sentence));
   setVisible(!sentences_.isEmpty());
 }
 
-void MessageBar::clear() {
-  while (!offers_.empty()) withdraw(std::string(offers_.begin()->first));
-  sentences_.clear();
+bool MessageBar::eventFilter(QObject*, QEvent* event) { return event->type() == QEvent::MouseButtonDblClick; }
+
+void MessageBar::dismiss() {
+  const QStringList read = shown();
+  std::vector<std::string> subjects;
+  for (const auto& [subject, offer] : offers_) {
+    if (read.contains(offer.sentence)) subjects.push_back(subject);
+  }
+  for (const std::string& subject : subjects) withdraw(subject);
+  for (const QString& sentence : read) sentences_.removeAll(sentence);
   refresh();
 }
 

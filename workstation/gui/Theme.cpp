@@ -42,6 +42,7 @@ const char* const details =
     "QToolBar::separator { background: #1e1f22; width: 1px; margin: 4px 5px; }"
     "QToolButton { padding: 4px 7px; border-radius: 4px; }"
     "QToolButton:hover { background: #3f4348; }"
+    "QToolButton:focus { background: #3a5f86; color: white; }"
     "QToolButton:checked { background: #355a80; color: white; }"
     "QStatusBar { color: #b9bcc2; }"
     "QStatusBar::item { border: none; }"

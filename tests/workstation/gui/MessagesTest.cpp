@@ -4,6 +4,10 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
+#include <QLabel>
+#include <QToolButton>
+#include <stdexcept>
+
 #include "WindowFixture.h"
 #include "tests/support/FileSizeLimit.h"
 #include "tests/workstation/dicom/DicomFixtures.h"
@@ -44,6 +48,27 @@ class Messages : public WindowTest {
     return count;
   }
   bool isTold(const std::string& text) { return messages().find(text) != std::string::npos; }
+  QToolButton& dismissButton() {
+    for (auto* button : window_->messages().findChildren<QToolButton*>()) {
+      if (button->text() == "Dismiss") return *button;
+    }
+    throw std::runtime_error("there is nothing to dismiss messages with");
+  }
+  /// What the person reads above the viewers.
+  std::string textOfBar() { return window_->messages().findChild<QLabel*>()->text().toStdString(); }
+  /// "Message 1" to "Message 6"; the second and the sixth come with a button.
+  void tellSix() {
+    MessageBar& bar = window_->messages();
+    for (const char* number : {"1", "2", "3", "4", "5", "6"}) {
+      const std::string sentence = std::string("Message ") + number;
+      if (*number == '2' || *number == '6') {
+        bar.offer(number, sentence, "Do it", [] {});
+      } else {
+        bar.add(sentence);
+      }
+    }
+    settle();
+  }
   /// How many pixels of a view have the colour in which it says why there is no image.
   int inkOfProblem(int viewer) {
     const QImage image = canvas(viewer).grab().toImage();
@@ -120,6 +145,40 @@ TEST_F(Messages, ADatabaseThatCannotBeMadeIsToldOnImport) {
   waitForTask();
   EXPECT_TRUE(isTold("The database folder " + database().string() + " cannot be made")) << messages();
   EXPECT_EQ(bytesOf(database()).size(), std::string("a file is in the way").size());
+}
+
+TEST_F(Messages, WhatHasNotBeenShownComesWhenTheFirstAreDismissed) {
+  MessageBar& bar = window_->messages();
+  tellSix();
+  EXPECT_EQ(textOfBar(), "Message 1\nMessage 2\nMessage 3\nMessage 4\n... and 2 more, shown after Dismiss.");
+  EXPECT_TRUE(bar.button("2")->isVisible());
+  EXPECT_FALSE(bar.button("6")->isVisible()) << "nothing says yet what it is for";
+  dismissButton().click();
+  settle();
+  EXPECT_EQ(textOfBar(), "Message 5\nMessage 6");
+  EXPECT_EQ(bar.button("2"), nullptr);
+  ASSERT_NE(bar.button("6"), nullptr);
+  EXPECT_TRUE(bar.button("6")->isVisible());
+  bar.add("Message 7");
+  EXPECT_EQ(textOfBar(), "Message 5\nMessage 6\nMessage 7");
+  dismissButton().click();
+  settle();
+  EXPECT_FALSE(bar.isVisible());
+  EXPECT_EQ(messages(), "");
+}
+
+TEST_F(Messages, ADoubleClickOnDismissPutsAwayOnlyWhatWasShown) {
+  tellSix();
+  QToolButton& dismiss = dismissButton();
+  const QPointF middle = QRectF(dismiss.rect()).center();
+  for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick,
+                          QEvent::MouseButtonRelease}) {
+    QMouseEvent event(type, middle, dismiss.mapToGlobal(middle), Qt::LeftButton,
+                      type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, {});
+    QApplication::sendEvent(&dismiss, &event);
+  }
+  settle();
+  EXPECT_EQ(textOfBar(), "Message 5\nMessage 6");
 }
 
 TEST_F(Messages, AFileThatVanishesWhileItIsShownIsNamedInItsView) {
