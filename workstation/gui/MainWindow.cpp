@@ -86,6 +86,7 @@ void MainWindow::makeWidgets() {
   dock->toggleViewAction()->setShortcut(QKeySequence("F9"));
   studiesAction_ = dock->toggleViewAction();
   palette_ = new PaletteWidget(desk_, this);
+  palette_->leave() = [this] { goToViewer(0); };
   statusBar()->setSizeGripEnabled(false);
   recordingSign_ = new QLabel(this);
   recordingSign_->setTextFormat(Qt::PlainText);

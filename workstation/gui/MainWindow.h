@@ -97,6 +97,7 @@ class MainWindow final : public QMainWindow {
   QAction* addAction(QMenu* menu, const QString& text, const QKeySequence& shortcut, std::function<void()> act);
   void chooseTool(long mouseTool, long roiTool);
   void onFrontViewer(const std::function<Outcome(int viewer)>& operation);
+  /// Gives the keyboard to the viewer so many after the one in front; 0: to that one.
   void goToViewer(int steps);
   void makeGridMenu();
   void chooseGrid(const QString& title);
@@ -175,6 +176,7 @@ class MainWindow final : public QMainWindow {
   QAction* deleteAction_ = nullptr;
   QAction* studiesAction_ = nullptr;  ///< shows and hides the browser
   QAction* recordAction_ = nullptr;
+  QAction* paletteAction_ = nullptr;
   QLabel* recordingSign_ = nullptr;
   QMenu* pluginMenu_ = nullptr;
   QMenu* viewMenu_ = nullptr;

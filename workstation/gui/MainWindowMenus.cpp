@@ -158,6 +158,7 @@ void MainWindow::makeViewMenu() {
     grid_->setMaximised(!grid_->isMaximised());
     return Outcome::done();
   });
+  paletteAction_ = addAction(viewMenu_, "Go to t&he palette", QKeySequence("F7"), [this] { palette_->takeKeyboard(); });
   viewMenu_->addSeparator();
   viewMenu_->addAction(studiesAction_);
   const auto addSwitch = [&](const QString& text, const char* shortcut, bool& option) {
@@ -176,10 +177,11 @@ void MainWindow::goToViewer(int steps) {
   const auto& panes = grid_->panes();
   const auto front = std::find(panes.begin(), panes.end(), grid_->frontPane());
   const auto count = static_cast<std::ptrdiff_t>(panes.size());
-  if (front == panes.end()) return;
+  if (front == panes.end()) return activateWindow();
   ViewerPane* next = panes[static_cast<std::size_t>((front - panes.begin() + steps + count) % count)];
   canvasHooks_.entered(next->viewer());
-  refresh();  // it may have been hidden, and only what is seen takes the keys
+  refresh();         // it may have been hidden, and only what is seen takes the keys
+  activateWindow();  // the palette may have the keyboard
   next->canvas().setFocus();
 }
 
@@ -343,6 +345,7 @@ void MainWindow::refreshActions() {
   const auto front = workstation.frontViewer();
   const auto info = front ? workstation.viewer(*front) : std::nullopt;
   for (QAction* action : viewerActions_) action->setEnabled(info.has_value());
+  paletteAction_->setEnabled(palette_->isVisible());
   undoAction_->setEnabled(workstation.canUndo());
   redoAction_->setEnabled(workstation.canRedo());
   deleteAction_->setEnabled(info.has_value());

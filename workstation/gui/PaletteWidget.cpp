@@ -1,8 +1,10 @@
 #include "workstation/gui/PaletteWidget.h"
 
+#include <QAbstractButton>
 #include <QCloseEvent>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
@@ -23,7 +25,7 @@ Control* found(const std::map<std::string, Control*>& controls, const std::strin
 
 PaletteWidget::PaletteWidget(Desk& desk, QWidget* over)
     : QWidget(over, Qt::Tool | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint), desk_(desk) {
-  // Drawing comes next: the keyboard stays with the viewer.
+  // Drawing comes next: the keyboard stays with the viewer until it is asked for.
   setAttribute(Qt::WA_ShowWithoutActivating);
   setFocusPolicy(Qt::ClickFocus);
 }
@@ -38,6 +40,7 @@ void PaletteWidget::build(const WindowDescription& description) {
   choices_.clear();
   checkboxes_.clear();
   buttons_.clear();
+  first_ = nullptr;
   built_ = description.name;
   setWindowTitle(QString::fromStdString(description.title));
   auto* rows = new QVBoxLayout(this);
@@ -66,6 +69,7 @@ void PaletteWidget::add(const WindowControl& control, QFormLayout& form, QHBoxLa
       for (const WindowChoice& each : control.choices) box->addItem(QString::fromStdString(each.title), each.value);
       form.addRow(label, box);
       choices_[control.property] = box;
+      if (!first_) first_ = box;
       connect(box, &QComboBox::activated, this,
               [this, control, box](int index) { set(control, pelmar::Value(box->itemData(index).toInt())); });
       break;
@@ -74,6 +78,7 @@ void PaletteWidget::add(const WindowControl& control, QFormLayout& form, QHBoxLa
       auto* box = new QCheckBox(label, this);
       form.addRow(QString(), box);
       checkboxes_[control.property] = box;
+      if (!first_) first_ = box;
       connect(box, &QCheckBox::clicked, this, [this, control](bool on) { set(control, pelmar::Value(on)); });
       break;
     }
@@ -82,6 +87,7 @@ void PaletteWidget::add(const WindowControl& control, QFormLayout& form, QHBoxLa
       button->setAutoDefault(false);
       buttons.addWidget(button);
       buttons_[control.action] = button;
+      if (!first_) first_ = button;
       connect(button, &QPushButton::clicked, this, [this, control] { press(control); });
       break;
     }
@@ -93,10 +99,7 @@ void PaletteWidget::add(const WindowControl& control, QFormLayout& form, QHBoxLa
 
 void PaletteWidget::refresh() {
   const auto palette = desk_.workstation().palette();
-  if (!palette || !palette->visible) {
-    hide();
-    return;
-  }
+  if (!palette || !palette->visible) return closeByModel();
   description_ = palette->description;
   if (built_ != description_.name) build(description_);
   refreshValues();
@@ -110,6 +113,40 @@ void PaletteWidget::refresh() {
     show();
     raise();
     placing_ = false;
+  }
+}
+
+void PaletteWidget::closeByModel() {
+  const bool hasKeyboard = isVisible() && isActiveWindow();
+  hide();
+  if (hasKeyboard && leave_) leave_();
+}
+
+void PaletteWidget::takeKeyboard() {
+  if (!isVisible()) return;
+  activateWindow();
+  // As by Tab, so that the control shows that it has the keyboard.
+  if (first_) first_->setFocus(Qt::TabFocusReason);
+}
+
+bool PaletteWidget::event(QEvent* event) {
+  // A list takes letters to find its entries by; else they would be the main window's commands.
+  if (event->type() == QEvent::ShortcutOverride && qobject_cast<QComboBox*>(focusWidget())) {
+    const auto* key = static_cast<QKeyEvent*>(event);
+    const bool isLetter = !key->text().isEmpty() && key->text().at(0).isPrint();
+    if (isLetter && !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier))) event->accept();
+  }
+  return QWidget::event(event);
+}
+
+void PaletteWidget::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape) {
+    if (leave_) leave_();
+  } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+    if (auto* button = qobject_cast<QAbstractButton*>(focusWidget())) button->click();
+    if (auto* box = qobject_cast<QComboBox*>(focusWidget())) box->showPopup();
+  } else {
+    QWidget::keyPressEvent(event);
   }
 }
 

@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QWidget>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -25,11 +26,19 @@ class PaletteWidget final : public QWidget {
   /// Shows the values that the properties have now.
   void refreshValues();
 
+  /// Gives the keyboard to the first control. Esc gives it back; see leave. Nothing while it is closed.
+  void takeKeyboard();
+  /// Asked to give the keyboard to a viewer: on Esc, and when the palette closes while it has the keyboard.
+  std::function<void()>& leave() { return leave_; }
+
   QComboBox* choice(const std::string& property) const;
   QCheckBox* checkbox(const std::string& property) const;
   QPushButton* button(const std::string& action) const;
 
  protected:
+  bool event(QEvent* event) override;
+  /// Return does what Space does; Esc leaves.
+  void keyPressEvent(QKeyEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void moveEvent(QMoveEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
@@ -42,6 +51,7 @@ class PaletteWidget final : public QWidget {
   void add(const WindowControl& control, QFormLayout& form, QHBoxLayout& buttons);
   void set(const WindowControl& control, const pelmar::Value& value);
   void press(const WindowControl& control);
+  void closeByModel();
   bool mayDiscard(const WindowControl& control);
 
   Desk& desk_;
@@ -49,7 +59,9 @@ class PaletteWidget final : public QWidget {
   WindowDescription description_;
   pelmar::FrameRect placed_;  ///< where the model had it when it was last moved there
   bool placing_ = false;
-  QPoint grip_;  ///< from the window's corner to where its background was pressed
+  QPoint grip_;               ///< from the window's corner to where its background was pressed
+  QWidget* first_ = nullptr;  ///< of the controls; none when the description has none
+  std::function<void()> leave_;
   std::map<std::string, QComboBox*> choices_;
   std::map<std::string, QCheckBox*> checkboxes_;
   std::map<std::string, QPushButton*> buttons_;

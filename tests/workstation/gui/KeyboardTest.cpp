@@ -3,6 +3,7 @@
 #include <QMenuBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QToolButton>
 #include <set>
 
 #include "WindowFixture.h"
@@ -31,6 +32,27 @@ class Keyboard : public WindowTest {
     std::set<const QAction*> actions;
     for (const QAction* action : window_->menuBar()->actions()) collect(*action->menu(), actions);
     return actions;
+  }
+  QAction* action(const QString& text) {
+    for (QAction* each : window_->findChildren<QAction*>()) {
+      if (each->text() == text) return each;
+    }
+    return nullptr;
+  }
+  /// A key as it comes to whatever has the keyboard.
+  static void type(Qt::Key key) {
+    for (const auto event : {QEvent::KeyPress, QEvent::KeyRelease}) {
+      QWidget* widget = QApplication::focusWidget();
+      ASSERT_NE(widget, nullptr) << "nothing has the keyboard";
+      QKeyEvent typed(event, key, {}, key == Qt::Key_Space ? " " : "");
+      QApplication::sendEvent(widget, &typed);
+    }
+    settle();
+  }
+  /// Goes on with Tab until a widget has the keyboard; false when it never gets it.
+  static bool tabTo(const QWidget* wanted) {
+    for (int count = 0; count < 40 && QApplication::focusWidget() != wanted; ++count) type(Qt::Key_Tab);
+    return QApplication::focusWidget() == wanted;
   }
 };
 
@@ -69,9 +91,7 @@ TEST_F(Keyboard, ViewersAreGoneThroughByKeyAndByTab) {
   openStudy();
   const int first = *workstation().frontViewer();
   const auto trigger = [&](const QString& text) {
-    for (QAction* action : window_->findChildren<QAction*>()) {
-      if (action->text() == text) action->trigger();
-    }
+    action(text)->trigger();
     settle();
   };
   trigger("&Next viewer");
@@ -95,6 +115,92 @@ TEST_F(Keyboard, ViewersAreGoneThroughByKeyAndByTab) {
   trigger("&Next viewer");
   EXPECT_TRUE(canvas(second).isVisible());
   EXPECT_FALSE(canvas(first).isVisible());
+}
+
+TEST_F(Keyboard, MessagesAreDismissedByTabAndSpace) {
+  openStudy();
+  window_->activateWindow();
+  canvas(*workstation().frontViewer()).setFocus();
+  settle();
+  for (const char* sentence : {"One.", "Two.", "Three.", "Four.", "Five."}) window_->messages().add(sentence);
+  settle();
+  ASSERT_TRUE(tabTo(window_->messages().findChild<QToolButton*>()));
+  type(Qt::Key_Space);
+  EXPECT_EQ(window_->messages().shown(), QStringList{"Five."});
+  type(Qt::Key_Space);
+  EXPECT_FALSE(window_->messages().isVisible());
+  EXPECT_NE(QApplication::focusWidget(), nullptr) << "the keyboard goes on elsewhere";
+}
+
+TEST_F(Keyboard, ThePaletteIsReachedUsedAndLeftWithoutAMouse) {
+  openStudy();
+  auto* go = action("Go to t&he palette");
+  ASSERT_NE(go, nullptr);
+  EXPECT_FALSE(go->isEnabled()) << "it is closed";
+  chooseLabels();
+  window_->activateWindow();
+  auto& viewer = canvas(*workstation().frontViewer());
+  viewer.setFocus();
+  settle();
+  ASSERT_TRUE(go->isEnabled());
+  go->trigger();
+  settle();
+  PaletteWidget& palette = window_->palette();
+  EXPECT_EQ(QApplication::activeWindow(), &palette);
+  EXPECT_EQ(QApplication::focusWidget(), palette.choice("anatomicalRegion"));
+
+  std::vector<QWidget*> controls;
+  for (auto* box : palette.findChildren<QComboBox*>()) controls.push_back(box);
+  for (auto* button : palette.findChildren<QAbstractButton*>()) controls.push_back(button);
+  ASSERT_GE(controls.size(), 7U);
+  for (const QWidget* control : controls) EXPECT_TRUE(tabTo(control)) << control->metaObject()->className();
+
+  auto* extra = palette.checkbox("additionalVertebra");
+  ASSERT_TRUE(tabTo(extra));
+  type(Qt::Key_Space);
+  EXPECT_TRUE(extra->isChecked());
+  type(Qt::Key_Return);
+  EXPECT_FALSE(extra->isChecked());
+
+  type(Qt::Key_Escape);
+  EXPECT_EQ(QApplication::activeWindow(), window_.get());
+  EXPECT_EQ(QApplication::focusWidget(), &viewer);
+  EXPECT_TRUE(palette.isVisible());
+
+  go->trigger();
+  settle();
+  ASSERT_TRUE(tabTo(palette.button("stopWorkFlow:")));
+  type(Qt::Key_Return);
+  EXPECT_FALSE(palette.isVisible());
+  EXPECT_EQ(QApplication::activeWindow(), window_.get());
+  EXPECT_EQ(QApplication::focusWidget(), &viewer);
+}
+
+TEST_F(Keyboard, LettersChooseInAListOfThePaletteAndAreNoCommandsThere) {
+  openStudy();
+  chooseLabels();
+  action("Go to t&he palette")->trigger();
+  settle();
+  PaletteWidget& palette = window_->palette();
+  const auto isTaken = [](QWidget* widget, Qt::Key key, Qt::KeyboardModifiers modifiers, const QString& text) {
+    QKeyEvent event(QEvent::ShortcutOverride, key, modifiers, text);
+    event.ignore();
+    QApplication::sendEvent(widget, &event);
+    return event.isAccepted();
+  };
+  auto* region = palette.choice("anatomicalRegion");
+  ASSERT_EQ(QApplication::focusWidget(), region);
+  EXPECT_TRUE(isTaken(region, Qt::Key_T, {}, "t"));
+  EXPECT_FALSE(isTaken(region, Qt::Key_L, Qt::ControlModifier, "\f")) << "Ctrl+L still closes it";
+  EXPECT_FALSE(isTaken(region, Qt::Key_F6, {}, "")) << "and F6 goes to the next viewer";
+  QKeyEvent typed(QEvent::KeyPress, Qt::Key_T, {}, "t");
+  QApplication::sendEvent(region, &typed);
+  settle();
+  EXPECT_EQ(region->currentText(), "Thoracic");
+  EXPECT_EQ(workstation().paletteValue("anatomicalRegion").intValue(), region->currentData().toInt());
+  auto* done = palette.button("stopWorkFlow:");
+  done->setFocus();
+  EXPECT_FALSE(isTaken(done, Qt::Key_T, {}, "t"));
 }
 
 TEST_F(Keyboard, EscReturnAndTheMenuKeyDoInAViewerWhatTheMouseDoes) {
