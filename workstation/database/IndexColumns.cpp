@@ -70,6 +70,7 @@ void readImage(SQLite::Statement& row, ImageRecord& image) {
   image.rows = row.getColumn(11).getInt();
   image.columns = row.getColumn(12).getInt();
   image.colour = row.getColumn(13).getInt() != 0;
+  image.pixelAspect = row.getColumn(14).getDouble();
 }
 
 IndexedObject objectOf(SQLite::Statement& row) {

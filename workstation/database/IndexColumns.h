@@ -22,7 +22,8 @@ inline constexpr std::string_view seriesQuery =
 /// The columns that stamp (at 0) and readImage read.
 inline constexpr std::string_view imageQuery =
     "SELECT folder, name, series_id, frame, sop_class, sop_uid, instance_number, image_type, frame_of_reference, "
-    "geometry, geometry_problem, row_count, column_count, colour FROM file JOIN image ON image.file_id = file.id";
+    "geometry, geometry_problem, row_count, column_count, colour, pixel_aspect "
+    "FROM file JOIN image ON image.file_id = file.id";
 inline constexpr const char* ofStudy = " WHERE series_id IN (SELECT id FROM series WHERE study_uid = ?)";
 /// The columns that objectOf reads.
 inline constexpr std::string_view objectQuery =

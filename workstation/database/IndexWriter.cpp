@@ -19,6 +19,7 @@ class Row {
   Row& operator<<(const std::string& text) { return statement_.bind(++column_, text), *this; }
   Row& operator<<(std::int64_t number) { return statement_.bind(++column_, number), *this; }
   Row& operator<<(int number) { return statement_.bind(++column_, number), *this; }
+  Row& operator<<(double number) { return statement_.bind(++column_, number), *this; }
   Row& operator<<(bool yes) { return statement_.bind(++column_, yes ? 1 : 0), *this; }
   template <class Value>
   Row& operator<<(const std::optional<Value>& value) {
@@ -81,7 +82,7 @@ class Index::Writer {
         series_(database,
                 "INSERT INTO series (study_uid, study_description, study_date, patient_name, patient_id, series_uid, "
                 "series_number, description, modality, body_part) VALUES (?,?,?,?,?,?,?,?,?,?)"),
-        image_(database, "INSERT INTO image VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?)"),
+        image_(database, "INSERT INTO image VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?)"),
         object_(database, "INSERT INTO object VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)"),
         labelling_(database, "INSERT INTO labelling VALUES (?,?,?,?,?,?)"),
         level_(database, "INSERT INTO level VALUES (?,?,?,?)") {
@@ -124,7 +125,7 @@ class Index::Writer {
       row.blob(columns::packed(numbersOf(*image.geometry)));
     else
       row.null();
-    (row << image.geometryProblem << image.rows << image.columns << image.colour).execute();
+    (row << image.geometryProblem << image.rows << image.columns << image.colour << image.pixelAspect).execute();
   }
 
   void addObject(std::int64_t file, const ObjectHeader& header) {

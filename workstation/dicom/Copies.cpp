@@ -19,7 +19,7 @@ bool isSamePlace(const std::optional<ImageGeometry>& a, const std::optional<Imag
 
 bool isSameSlice(const ImageRecord& a, const ImageRecord& b) {
   return a.seriesInstanceUid == b.seriesInstanceUid && a.frame == b.frame && a.rows == b.rows &&
-         a.columns == b.columns && a.frameOfReferenceUid == b.frameOfReferenceUid &&
+         a.columns == b.columns && a.pixelAspect == b.pixelAspect && a.frameOfReferenceUid == b.frameOfReferenceUid &&
          isSamePlace(a.geometry, b.geometry);
 }
 

@@ -13,6 +13,8 @@ using Numbers = std::vector<double>;
 
 /// How far from unit length and from perpendicular the directions may be: what three decimals in a file leave open.
 constexpr double directionTolerance = 0.01;
+/// How many times as high as wide, or as wide as high, a pixel is believed to be.
+constexpr double mostUnequal = 100;
 
 std::vector<DcmItem*> itemsOf(DcmItem& holder, const DcmTagKey& tag) {
   std::vector<DcmItem*> items;
@@ -88,6 +90,15 @@ std::string readSpacing(DcmItem& holder, ImageGeometry& geometry) {
   return {};
 }
 
+/// Vertical by horizontal size, as Pixel Spacing and Pixel Aspect Ratio have them. Nothing where they are not two
+/// numbers above 0, or so unequal that nothing of the image would be seen.
+std::optional<double> verticalByHorizontal(DcmItem& holder, const DcmTagKey& tag) {
+  const Numbers sizes = Attributes(holder).numbers(tag).value_or(Numbers());
+  if (sizes.size() != 2 || !(sizes[0] > 0) || !(sizes[1] > 0)) return std::nullopt;
+  const double ratio = sizes[0] / sizes[1];
+  return ratio * mostUnequal >= 1 && ratio <= mostUnequal ? std::optional(ratio) : std::nullopt;
+}
+
 }  // namespace
 
 FrameGroups::FrameGroups(DcmDataset& dataset)
@@ -115,6 +126,11 @@ std::optional<ImageGeometry> FrameGroups::geometry(int frame, int frames, std::s
   if (problem.empty()) problem = readSpacing(macro(frame, DCM_PixelMeasuresSequence), geometry);
   if (!problem.empty()) return std::nullopt;
   return geometry;
+}
+
+double FrameGroups::pixelAspect(int frame) const {
+  const auto bySpacing = verticalByHorizontal(macro(frame, DCM_PixelMeasuresSequence), DCM_PixelSpacing);
+  return bySpacing ? *bySpacing : verticalByHorizontal(dataset_, DCM_PixelAspectRatio).value_or(1);
 }
 
 }  // namespace workstation

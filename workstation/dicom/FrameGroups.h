@@ -26,6 +26,10 @@ class FrameGroups {
   /// Where a frame (from 1, of `frames`) lies, or nothing with a phrase in `problem`.
   std::optional<ImageGeometry> geometry(int frame, int frames, std::string& problem) const;
 
+  /// Height of a pixel of a frame (from 1) as a multiple of its width: by its Pixel Spacing, which may be there without
+  /// a position, else by Pixel Aspect Ratio (PS3.3 C.7.6.3.1.7), else 1. Imager Pixel Spacing does not count.
+  double pixelAspect(int frame) const;
+
  private:
   DcmDataset& dataset_;
   DcmItem* shared_ = nullptr;

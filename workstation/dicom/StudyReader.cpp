@@ -80,6 +80,7 @@ bool readRecords(DcmDataset& dataset, const fs::path& file, std::vector<ImageRec
     record.frame = frame;
     record.geometryProblem.clear();
     record.geometry = groups.geometry(frame, layout.frames, record.geometryProblem);
+    record.pixelAspect = record.geometry ? 1 : groups.pixelAspect(frame);
     images.push_back(record);
   }
   return true;

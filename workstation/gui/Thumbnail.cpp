@@ -18,8 +18,7 @@ QImage thumbnailOf(const ImageRecord& image, PixelSource& source, int size) {
   const StoredRange range = storedRange(*pixels);
   const QImage slice = imageOfPixels(*pixels, range, voiTransformOf(*pixels, range, std::nullopt));
   if (slice.isNull()) return picture;
-  const double aspect = image.geometry ? image.geometry->spacingY / image.geometry->spacingX : 1;
-  QSizeF shown(slice.width(), slice.height() * aspect);
+  QSizeF shown(slice.width(), slice.height() * paintedPixelAspect(image));
   shown.scale(size, size, Qt::KeepAspectRatio);
   const QImage scaled =
       slice.scaled(shown.toSize().expandedTo(QSize(1, 1)), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);

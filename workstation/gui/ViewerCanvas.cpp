@@ -38,7 +38,7 @@ double fittingScale(const ImageRecord& image, const ViewerInfo& info, double wid
   transform.viewHeight = height;
   transform.columns = image.columns;
   transform.rows = image.rows;
-  if (image.geometry) transform.pixelAspect = image.geometry->spacingY / image.geometry->spacingX;
+  transform.pixelAspect = paintedPixelAspect(image);
   transform.rotationDegrees = info.rotationDegrees;
   return transform.scaleToFit();
 }

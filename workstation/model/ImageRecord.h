@@ -43,10 +43,20 @@ struct ImageRecord {
   std::optional<ImageGeometry> geometry;  ///< absent when the file has none that can be used
   std::string geometryProblem;            ///< why not: a phrase such as "Pixel Spacing is 0"; empty with geometry
 
+  /// Where there is no geometry: height of a pixel as a multiple of its width, > 0. It says nothing of millimetres.
+  double pixelAspect = 1;
+
   int rows = 0;
   int columns = 0;
   bool colour = false;  ///< more than one sample a pixel, or a palette
 };
+
+/// Height of a pixel as a multiple of its width, as the image is to be painted; > 0.
+inline double paintedPixelAspect(const ImageRecord& image) {
+  if (!image.geometry) return image.pixelAspect;
+  const ImageGeometry& geometry = *image.geometry;
+  return geometry.spacingX > 0 && geometry.spacingY > 0 ? geometry.spacingY / geometry.spacingX : 1;
+}
 
 /// One of the windows that a file offers (PS3.3 C.11.2.1.2), in modality values.
 struct WindowSetting {

@@ -17,11 +17,6 @@ Pix::Pix(std::shared_ptr<const ImageRecord> record, const std::set<pelmar::Capab
   }
 }
 
-double Pix::pixelAspect() const {
-  if (!record_->geometry || !(record_->geometry->spacingX > 0) || !(record_->geometry->spacingY > 0)) return 1;
-  return record_->geometry->spacingY / record_->geometry->spacingX;
-}
-
 bool Pix::supports(pelmar::Capability capability) const {
   return capability == pelmar::Capability::DCMPixBodyPartExamined && hasBodyPart_;
 }

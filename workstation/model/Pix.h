@@ -14,8 +14,6 @@ class Pix final : public pelmar::DCMPix {
   Pix(std::shared_ptr<const ImageRecord> record, const std::set<pelmar::Capability>& lacking);
 
   const ImageRecord& record() const { return *record_; }
-  /// Height of a pixel as a multiple of its width, as it is shown; 1 without geometry.
-  double pixelAspect() const;
 
   bool supports(pelmar::Capability capability) const override;
   std::array<double, 9> orientation() const override { return orientation_; }

@@ -33,7 +33,7 @@ void View::takeImageSize() {
   const auto shown = ref_cast<Pix>(slices_->objectAtIndex(current_));
   transform_.columns = static_cast<double>(shown.get() ? shown.get()->pwidth() : 0);
   transform_.rows = static_cast<double>(shown.get() ? shown.get()->pheight() : 0);
-  transform_.pixelAspect = shown.get() ? shown.get()->pixelAspect() : 1;
+  transform_.pixelAspect = shown.get() ? paintedPixelAspect(shown.get()->record()) : 1;
 }
 
 void View::setCurImage(std::size_t index) {

@@ -132,7 +132,8 @@ std::string described(const ImageRecord& image) {
       for (const double number : *numbers) text << number << ' ';
     text << plane.spacingX << ' ' << plane.spacingY;
   }
-  text << '|' << image.geometryProblem << '|' << image.rows << '|' << image.columns << '|' << image.colour;
+  text << '|' << image.geometryProblem << '|' << image.pixelAspect << '|' << image.rows << '|' << image.columns << '|'
+       << image.colour;
   return text.str();
 }
 

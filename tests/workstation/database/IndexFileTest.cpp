@@ -3,6 +3,8 @@
 #include "workstation/database/IndexFile.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <dcmtk/config/osconfig.h>
+#include <dcmtk/dcmdata/dctk.h>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -151,8 +153,14 @@ TEST(IndexFileTest, IndexOfALaterVersionOfADatabaseIsLeftAlone) {
   EXPECT_EQ(bytesOf(index), before);
 }
 
-/// Takes out what the second version added.
+/// Takes out what the third version added.
+void downgradeToSecond(const fs::path& index) {
+  execute(index, "ALTER TABLE image DROP COLUMN pixel_aspect; PRAGMA user_version = 2");
+}
+
+/// Takes out what came after the first version.
 void downgrade(const fs::path& index) {
+  downgradeToSecond(index);
   execute(index,
           "DROP TABLE level; DROP TABLE labelling; DROP TABLE imported; DROP TABLE object; PRAGMA user_version = 1");
 }
@@ -173,6 +181,25 @@ TEST(IndexFileTest, FirstVersionIsUpgradedAndOnlyObjectsAreReadAgain) {
   EXPECT_EQ(photographOf(folder.path()), before);
   store(*database, lumbarAt(2), 2);
   EXPECT_EQ(versionOf(index), Index::latestVersion());
+}
+
+TEST(IndexFileTest, SecondVersionIsUpgradedAndOnlyImagesWithoutGeometryAreReadAgain) {
+  const TemporaryFolder folder;
+  writeStudy(folder.path());
+  edit(folder.path() / "sag/2.dcm", [](DcmDataset& data) {
+    data.findAndDeleteElement(DCM_PixelSpacing);
+    data.putAndInsertString(DCM_PixelAspectRatio, "5\\4");
+  });
+  store(*openInPlace(folder.path()), lumbarAt(1), 1);
+  downgradeToSecond(folder.path() / ".vertana/index.sqlite");
+  std::size_t reads = 0;
+  const auto database = openInPlace(folder.path(), countingReads(reads));
+  EXPECT_EQ(reads, 1U);
+  EXPECT_TRUE(database->notices().empty());
+  const auto images = database->images(studyUid());
+  ASSERT_EQ(images.size(), 3U);
+  EXPECT_EQ(images[1].pixelAspect, 1.25);
+  EXPECT_FALSE(images[1].geometry);
 }
 
 TEST(IndexFileTest, FirstVersionOfADatabaseIsUpgradedInItsPlace) {

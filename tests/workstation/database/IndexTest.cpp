@@ -56,6 +56,7 @@ TEST(IndexTest, EveryFieldOfASliceComesBack) {
   ImageRecord bare = someImage("2");  // the same series, with most of it absent
   bare.studyDescription = "";
   bare.geometryProblem = "Pixel Spacing is 0";
+  bare.pixelAspect = 4.0 / 3;
 
   Index index;
   index.change({}, {imageFile("a", "1", {full}), imageFile("a", "2", {bare})});

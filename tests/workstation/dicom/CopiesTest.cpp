@@ -49,6 +49,18 @@ TEST_F(Copies, ACopyInAnotherTransferSyntaxIsStillTheSameImage) {
   EXPECT_EQ(read().copies.size(), 1U);
 }
 
+TEST_F(Copies, PixelsOfAnotherShapeAreAnotherImage) {
+  for (const char* ratio : {"1\\1", "2\\1"}) {
+    edit(image(ratio[0] == '1' ? "a" : "b", 1), [&](DcmDataset& data) {
+      data.findAndDeleteElement(DCM_PixelSpacing);
+      data.putAndInsertString(DCM_PixelAspectRatio, ratio);
+    });
+  }
+  EXPECT_EQ(read().images.size(), 1U);
+  EXPECT_TRUE(read().copies.empty());
+  EXPECT_NE(reasonFor(folder_.file("b"), read()).find("another image"), std::string::npos);
+}
+
 TEST_F(Copies, AllFramesOfACopyAreLeftOut) {
   const auto threeFrames = [](DcmDataset& data) {
     data.putAndInsertString(DCM_NumberOfFrames, "3");

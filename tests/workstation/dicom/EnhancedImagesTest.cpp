@@ -131,6 +131,7 @@ TEST(PlainMultiFrame, HasSlicesWithoutGeometry) {
   for (const ImageRecord& record : result.images) {
     EXPECT_FALSE(record.geometry);
     EXPECT_FALSE(record.geometryProblem.empty());
+    EXPECT_EQ(record.pixelAspect, 1.5) << "0.75 mm between rows, 0.5 mm between columns";
   }
 }
 

@@ -156,6 +156,60 @@ INSTANTIATE_TEST_SUITE_P(
                "Pixel Spacing is not finite"}),
     [](const auto& row) { return row.param.name; });
 
+// Both attributes tell the vertical size first (PS3.3 10.7.1.3 and C.7.6.3.1.7).
+TEST_F(StudyReader, ShapeOfPixelsIsKnownWithoutMillimetres) {
+  struct Shape {
+    const char* spacing;  ///< of the pixels; "" where the attribute is absent
+    const char* ratio;
+    double aspect;
+  };
+  constexpr Shape shapes[] = {{"", "2\\1", 2},
+                              {"", "3\\4", 0.75},
+                              {"", " 1\\100 ", 0.01},
+                              {"", "", 1},
+                              {"", "2", 1},
+                              {"", "2\\1\\1", 1},
+                              {"", "0\\1", 1},
+                              {"", "2\\0", 1},
+                              {"", "-2\\-1", 1},
+                              {"", "1\\101", 1},
+                              {"", "101\\1", 1},
+                              {"", "two\\1", 1},
+                              {"", "inf\\1", 1},
+                              {"0\\0", "2\\1", 2},
+                              {"-1\\1", "2\\1", 2},
+                              {"0.75\\0.5", "", 1.5},
+                              {"0.75\\0.5", "2\\1", 1.5}};
+  for (const Shape& shape : shapes) {
+    edit(image("image"), [&](DcmDataset& data) {
+      data.findAndDeleteElement(DCM_ImagePositionPatient);
+      data.findAndDeleteElement(DCM_PixelSpacing);
+      data.putAndInsertString(DCM_ImagerPixelSpacing, "0.9\\0.3");
+      if (*shape.spacing) data.putAndInsertString(DCM_PixelSpacing, shape.spacing);
+      if (*shape.ratio) data.putAndInsertString(DCM_PixelAspectRatio, shape.ratio);
+    });
+    const ImageRecord record = onlyImage(folder_.file("image"));
+    EXPECT_FALSE(record.geometry) << shape.spacing << ' ' << shape.ratio;
+    EXPECT_EQ(paintedPixelAspect(record), shape.aspect) << shape.spacing << ' ' << shape.ratio;
+  }
+}
+
+TEST_F(StudyReader, PixelAspectRatioIsNeverTakenForMillimetres) {
+  edit(image("without"), [](DcmDataset& data) {
+    data.findAndDeleteElement(DCM_PixelSpacing);
+    data.putAndInsertString(DCM_PixelAspectRatio, "2\\1");
+  });
+  const ImageRecord without = onlyImage(folder_.file("without"));
+  EXPECT_FALSE(without.geometry);
+  EXPECT_EQ(without.geometryProblem, "Pixel Spacing is missing");
+  edit(image("with"), [](DcmDataset& data) { data.putAndInsertString(DCM_PixelAspectRatio, "2\\1"); });
+  const ImageRecord with = onlyImage(folder_.file("with"));
+  ASSERT_TRUE(with.geometry);
+  EXPECT_EQ(with.geometry->spacingX, 0.5);
+  EXPECT_EQ(with.geometry->spacingY, 0.75);
+  EXPECT_EQ(paintedPixelAspect(with), 1.5) << "the spacing counts";
+}
+
 TEST_F(StudyReader, AcceptsDirectionsOfThreeDecimalsAndMakesThemUnitVectors) {
   edit(image("image"), [](DcmDataset& data) {
     data.putAndInsertString(DCM_ImageOrientationPatient, " 0.027\\+0.999\\0.001\\-0.019\\0.002\\-1.000 ");

@@ -59,6 +59,17 @@ TEST_F(Browser, APictureShowsTheSliceInItsProportions) {
     for (int x = 0; x < 56; ++x) bright += qGray(picture.pixel(x, y)) > 100;
   }
   EXPECT_GT(bright, 100);
+  ImageRecord high = record;  // 160 x 160 pixels, each four times as high as wide: 14 of 56 columns
+  high.geometry.reset();
+  high.pixelAspect = 4;
+  const QImage narrow = thumbnailOf(high, reader, 56);
+  for (int x = 0; x < 56; ++x) {
+    int brightest = 0;
+    for (int y = 0; y < 56; ++y) brightest = std::max(brightest, qGray(narrow.pixel(x, y)));
+    if (x < 21 || x >= 35) {
+      EXPECT_EQ(brightest, 0) << x;
+    }
+  }
   ImageRecord gone = record;
   gone.file = "/nowhere";
   EXPECT_GT(qGray(thumbnailOf(gone, reader, 56).pixel(1, 1)), 0) << "a grey square";

@@ -53,6 +53,18 @@ TEST(Pix, AnImageWithoutGeometryAnswersZeros) {
   EXPECT_EQ(pix.convertDICOMCoords({1, 2, 3}).x, 0);
 }
 
+TEST(Pix, AShapeOfPixelsAloneGivesNoMillimetres) {
+  ImageRecord record = test::slice("1", 1, 1);
+  record.pixelAspect = 2;
+  const Pix pix(shared(record), {});
+  EXPECT_EQ(pix.pixelSpacingX(), 0);
+  EXPECT_EQ(pix.pixelSpacingY(), 0);
+  pelmar::Vector3f position{1, 1, 1};
+  pix.convertPixX(5, 5, position);
+  EXPECT_EQ(position.x, 0);
+  EXPECT_EQ(position.z, 0);
+}
+
 TEST(Pix, TheContentIsTheWholeImage) {
   const Pix pix(shared(uneven()), {});
   EXPECT_EQ(pix.contentFrameRect(), (pelmar::PixelRect{{0, 0}, {100, 80}}));

@@ -158,6 +158,29 @@ TEST_F(ViewPictureTest, AnotherSizeShowsTheSamePart) {
   EXPECT_EQ(made.transform.scale, before.scale);
 }
 
+TEST_F(ViewPictureTest, PixelsOfKnownShapeWithoutMillimetresArePaintedInItWithNothingMeasured) {
+  Workstation workstation;
+  ImageRecord high = slice("1.1", 1, 1);  // 100 x 80 pixels, as high as 160 of their widths
+  high.pixelAspect = 2;
+  ImageRecord square = slice("1.1", 1, 2);
+  ASSERT_TRUE(workstation.openStudy(workstation.addImages({high, square}).front()));
+  ASSERT_TRUE(workstation.setViewerFrame(0, {0, 0, 400, 320}));
+  ASSERT_TRUE(workstation.fit(0));
+  ASSERT_TRUE(workstation.drawLine(0, 0, {10, 10}, {70, 10}));
+  const ViewPicture made = pictureOf(workstation, 0, {}).value_or(ViewPicture());
+  EXPECT_EQ(made.transform.scale, 2) << "320 points over 160 widths";
+  const auto centre = made.transform.toView({49.5, 39.5});
+  EXPECT_EQ(made.transform.toView({50.5, 39.5}).x - centre.x, 2);
+  EXPECT_EQ(made.transform.toView({49.5, 38.5}).y - centre.y, 4);
+  EXPECT_FALSE(made.scaleBar);
+  EXPECT_EQ(made.letters.top, "");
+  ASSERT_EQ(made.annotations.size(), 1U);
+  EXPECT_TRUE(made.annotations[0].lines.empty()) << "no length";
+  EXPECT_EQ(workstation.viewer(0)->orientationCode, -1) << "so it is never labelled";
+  ASSERT_TRUE(workstation.scroll(0, 1));
+  EXPECT_EQ(pictureOf(workstation, 0, {})->transform.pixelAspect, 1) << "each slice has its own";
+}
+
 TEST_F(ViewPictureTest, ScaleBarIsAsLongAsItSays) {
   const ViewPicture made = picture();
   ASSERT_TRUE(made.scaleBar);
