@@ -63,10 +63,9 @@ std::vector<VoiLut> readTables(DcmItem& item, DcmItem& dataset, bool negativeInp
        entry = sequence->nextInContainer(entry)) {
     auto& tableItem = *static_cast<DcmItem*>(entry);
     LookupTable table;
-    if (readLookupTable(tableItem, DCM_LUTDescriptor, DCM_LUTData, table) != TableState::complete) continue;
+    if (readSequenceTable(tableItem, negativeInput, table) != TableState::complete) continue;
     if (table.bits < 8 || table.bits > 16) continue;
-    const bool isNegative = negativeInput && table.firstMapped > 32767;
-    luts.push_back({isNegative ? table.firstMapped - 65536 : table.firstMapped, table.bits, std::move(table.entries),
+    luts.push_back({table.firstMapped, table.bits, std::move(table.entries),
                     partOf(textOf(tableItem, dataset, DCM_LUTExplanation), 0)});
   }
   return luts;

@@ -3,6 +3,7 @@
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dctk.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "workstation/dicom/Attributes.h"
@@ -27,6 +28,12 @@ std::vector<std::uint16_t> tableWords(DcmElement& element, std::size_t entries) 
 
 }  // namespace
 
+std::int32_t LookupTable::at(std::int32_t value) const {
+  const std::int64_t last = static_cast<std::int64_t>(entries.size()) - 1;
+  const std::int64_t index = std::clamp<std::int64_t>(std::int64_t{value} - firstMapped, 0, last);
+  return entries[static_cast<std::size_t>(index)];
+}
+
 TableState readLookupTable(DcmItem& item, const DcmTagKey& descriptorTag, const DcmTagKey& dataTag,
                            LookupTable& table) {
   const std::vector<double> descriptor = Attributes(item).numbers(descriptorTag).value_or(std::vector<double>());
@@ -42,6 +49,12 @@ TableState readLookupTable(DcmItem& item, const DcmTagKey& descriptorTag, const 
   table.bits = static_cast<int>(descriptor[2]);
   table.entries = tableWords(*data, entries);
   return table.entries.size() == entries ? TableState::complete : TableState::tooShort;
+}
+
+TableState readSequenceTable(DcmItem& item, bool negativeInput, LookupTable& table) {
+  const TableState state = readLookupTable(item, DCM_LUTDescriptor, DCM_LUTData, table);
+  if (negativeInput && table.firstMapped > 32767) table.firstMapped -= 65536;
+  return state;
 }
 
 }  // namespace workstation

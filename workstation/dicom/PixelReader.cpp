@@ -39,7 +39,7 @@ class FrameReader {
     data.samplesPerPixel = layout_.isColour() ? 3 : 1;
     data.samples = std::move(samples);
     data.monochrome1 = layout_.colour == ColourModel::monochrome1;
-    if (data.samplesPerPixel == 1) readTransforms(data);
+    if (data.samplesPerPixel == 1 && !readTransforms(data)) return std::nullopt;
     return data;
   }
 
@@ -135,15 +135,19 @@ class FrameReader {
     return true;
   }
 
-  void readTransforms(PixelData& data) {
+  bool readTransforms(PixelData& data) {
     const FrameGroups groups(dataset_);
-    const Attributes rescale(groups.macro(frame_, DCM_PixelValueTransformationSequence));
-    const std::optional<double> slope = rescale.number(DCM_RescaleSlope);
-    const std::optional<double> intercept = rescale.number(DCM_RescaleIntercept);
-    if (slope && std::isfinite(*slope) && *slope != 0) data.rescaleSlope = *slope;
-    if (intercept && std::isfinite(*intercept)) data.rescaleIntercept = *intercept;
-    const DisplaySettings display = readDisplaySettings(groups.macro(frame_, DCM_FrameVOILUTSequence), dataset_,
-                                                        layout_.isSigned || data.rescaleIntercept < 0);
+    DcmItem& transformation = groups.macro(frame_, DCM_PixelValueTransformationSequence);
+    bool negativeValues = layout_.isSigned;
+    if (hasModalityTable(transformation)) {
+      if (!applyModalityTable(transformation, layout_.isSigned, data.samples, problem_)) return false;
+      negativeValues = false;
+    } else {
+      readRescale(Attributes(transformation), data);
+      negativeValues = negativeValues || data.rescaleIntercept < 0;
+    }
+    const DisplaySettings display =
+        readDisplaySettings(groups.macro(frame_, DCM_FrameVOILUTSequence), dataset_, negativeValues);
     data.windows = display.windows;
     data.windowFunction = display.function;
     data.voiLuts = display.luts;
@@ -151,6 +155,14 @@ class FrameReader {
       data.windowCentre = data.windows.front().centre;
       data.windowWidth = data.windows.front().width;
     }
+    return true;
+  }
+
+  static void readRescale(const Attributes& attributes, PixelData& data) {
+    const std::optional<double> slope = attributes.number(DCM_RescaleSlope);
+    const std::optional<double> intercept = attributes.number(DCM_RescaleIntercept);
+    if (slope && std::isfinite(*slope) && *slope != 0) data.rescaleSlope = *slope;
+    if (intercept && std::isfinite(*intercept)) data.rescaleIntercept = *intercept;
   }
 
   bool fail(const OFCondition& outcome) {

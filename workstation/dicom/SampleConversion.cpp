@@ -9,27 +9,16 @@
 #include <cstring>
 #include <string>
 
+#include "workstation/dicom/Attributes.h"
 #include "workstation/dicom/LookupTable.h"
 
 namespace workstation {
 namespace {
 
-/// One colour of a palette, 0 .. 255 (PS3.3 C.7.6.3.1.5, C.7.6.3.1.6).
-struct PaletteChannel {
-  std::int32_t firstValue = 0;
-  std::vector<std::uint8_t> entries;
-
-  std::int32_t at(std::int32_t value) const {
-    const std::int64_t last = static_cast<std::int64_t>(entries.size()) - 1;
-    const std::int64_t index = std::clamp<std::int64_t>(std::int64_t{value} - firstValue, 0, last);
-    return entries[static_cast<std::size_t>(index)];
-  }
-};
-
-bool readChannel(DcmItem& dataset, const DcmTagKey& descriptorTag, const DcmTagKey& dataTag, PaletteChannel& channel,
+/// Reads one colour of a palette, 0 .. 255 (PS3.3 C.7.6.3.1.5, C.7.6.3.1.6).
+bool readChannel(DcmItem& dataset, const DcmTagKey& descriptorTag, const DcmTagKey& dataTag, LookupTable& channel,
                  std::string& problem) {
-  LookupTable table;
-  switch (readLookupTable(dataset, descriptorTag, dataTag, table)) {
+  switch (readLookupTable(dataset, descriptorTag, dataTag, channel)) {
     case TableState::missing:
       problem = "its palette is missing or segmented";
       return false;
@@ -39,12 +28,10 @@ bool readChannel(DcmItem& dataset, const DcmTagKey& descriptorTag, const DcmTagK
     case TableState::complete:
       break;
   }
-  channel.firstValue = table.firstMapped;
   // Some writers declare 16 bits and fill in 8; then nothing would be visible.
-  const bool isWide =
-      table.bits > 8 && std::any_of(table.entries.begin(), table.entries.end(), [](auto word) { return word > 255; });
-  for (const std::uint16_t word : table.entries)
-    channel.entries.push_back(static_cast<std::uint8_t>(isWide ? word >> 8 : word));
+  const bool isWide = channel.bits > 8 &&
+                      std::any_of(channel.entries.begin(), channel.entries.end(), [](auto word) { return word > 255; });
+  for (std::uint16_t& word : channel.entries) word = static_cast<std::uint16_t>(isWide ? word >> 8 : word & 0xff);
   return true;
 }
 
@@ -96,7 +83,7 @@ void convertYbrToRgb(std::vector<std::int32_t>& samples) {
 }
 
 bool applyPalette(DcmItem& dataset, std::vector<std::int32_t>& samples, std::string& problem) {
-  std::array<PaletteChannel, 3> channels;
+  std::array<LookupTable, 3> channels;
   const bool isRead = readChannel(dataset, DCM_RedPaletteColorLookupTableDescriptor, DCM_RedPaletteColorLookupTableData,
                                   channels[0], problem) &&
                       readChannel(dataset, DCM_GreenPaletteColorLookupTableDescriptor,
@@ -107,8 +94,38 @@ bool applyPalette(DcmItem& dataset, std::vector<std::int32_t>& samples, std::str
   std::vector<std::int32_t> coloured;
   coloured.reserve(samples.size() * 3);
   for (const std::int32_t value : samples)
-    for (const PaletteChannel& channel : channels) coloured.push_back(channel.at(value));
+    for (const LookupTable& channel : channels) coloured.push_back(channel.at(value));
   samples = std::move(coloured);
+  return true;
+}
+
+bool hasModalityTable(DcmItem& item) {
+  const Attributes attributes(item);
+  if (attributes.number(DCM_RescaleSlope) || attributes.number(DCM_RescaleIntercept)) return false;
+  const std::string sopClass = attributes.code(DCM_SOPClassUID);
+  const bool isProjection =
+      sopClass == UID_XRayAngiographicImageStorage || sopClass == UID_XRayRadiofluoroscopicImageStorage;
+  const std::string relationship = attributes.code(DCM_PixelIntensityRelationship);
+  if (isProjection && (relationship == "LOG" || relationship == "DISP")) return false;
+  DcmItem* table = nullptr;
+  return item.findAndGetSequenceItem(DCM_ModalityLUTSequence, table, 0).good();
+}
+
+bool applyModalityTable(DcmItem& item, bool isSigned, std::vector<std::int32_t>& samples, std::string& problem) {
+  LookupTable table;
+  DcmItem* tableItem = nullptr;
+  item.findAndGetSequenceItem(DCM_ModalityLUTSequence, tableItem, 0);
+  switch (tableItem != nullptr ? readSequenceTable(*tableItem, isSigned, table) : TableState::missing) {
+    case TableState::missing:
+      problem = "its Modality LUT has no table that can be read";
+      return false;
+    case TableState::tooShort:
+      problem = "its Modality LUT is shorter than it says";
+      return false;
+    case TableState::complete:
+      break;
+  }
+  for (std::int32_t& sample : samples) sample = table.at(sample);
   return true;
 }
 

@@ -27,4 +27,13 @@ void convertYbrToRgb(std::vector<std::int32_t>& samples);
 /// `problem`, when the palette is missing, segmented or damaged.
 bool applyPalette(DcmItem& dataset, std::vector<std::int32_t>& samples, std::string& problem);
 
+/// Whether a Modality LUT Sequence (PS3.3 C.11.1) leads to the values that are shown: it stands instead of Rescale
+/// Slope and Intercept. In X-ray projections of relationship LOG or DISP it leads back to the intensity of the beam
+/// (PS3.3 C.8.7.1.1.2), and does not count.
+bool hasModalityTable(DcmItem& item);
+
+/// Looks stored values up in the item's Modality LUT; `isSigned` says whether they can be below 0. What comes out never
+/// is. False, with a phrase in `problem`, when the table is missing or damaged.
+bool applyModalityTable(DcmItem& item, bool isSigned, std::vector<std::int32_t>& samples, std::string& problem);
+
 }  // namespace workstation

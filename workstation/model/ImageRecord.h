@@ -80,9 +80,11 @@ struct VoiLut {
 struct PixelData {
   int rows = 0;
   int columns = 0;
-  int samplesPerPixel = 1;            ///< 1: stored values, or 3: red, green, blue interleaved, 0..255 (or 0..65535)
+  /// 1: stored values, or what a table of the file makes of them (Modality LUT, PS3.3 C.11.1), or 3: red, green, blue
+  /// interleaved, 0..255 (or 0..65535)
+  int samplesPerPixel = 1;
   std::vector<std::int32_t> samples;  ///< rows * columns * samplesPerPixel, row by row
-  double rescaleSlope = 1;            ///< PS3.3 C.11.1; modality value = slope * stored + intercept
+  double rescaleSlope = 1;            ///< PS3.3 C.11.1; modality value = slope * sample + intercept
   double rescaleIntercept = 0;
   std::optional<double> windowCentre;  ///< the first of the file's windows, in modality values
   std::optional<double> windowWidth;

@@ -67,10 +67,10 @@ class PaintedFiles : public testing::Test {
     });
   }
 
-  void addTable(const Words& descriptor, const Words& entries) {
+  void addTable(const Words& descriptor, const Words& entries, const DcmTagKey& sequence = DCM_VOILUTSequence) {
     edit(file_, [&](DcmDataset& data) {
       DcmItem* item = nullptr;
-      ASSERT_TRUE(data.findOrCreateSequenceItem(DCM_VOILUTSequence, item, -2).good());
+      ASSERT_TRUE(data.findOrCreateSequenceItem(sequence, item, -2).good());
       item->putAndInsertUint16Array(DCM_LUTDescriptor, descriptor.data(), descriptor.size());
       item->putAndInsertUint16Array(DCM_LUTData, entries.data(), entries.size());
     });
@@ -157,6 +157,17 @@ TEST_F(PaintedFiles, ATableIsChosenOverTheWindowOfTheFile) {
   addTable({2, 1, 8}, {10, 20});
   EXPECT_EQ(levels(), (std::vector<int>{0, 1, 2, 255})) << "the window, as long as nobody chooses";
   EXPECT_EQ(levels(0), (std::vector<int>{10, 10, 20, 20}));
+}
+
+TEST_F(PaintedFiles, AModalityTableComesBeforeWindowAndVoiTable) {
+  store({8, 8, false, "MONOCHROME2", "32768 65536", "", "", {0, 1, 2, 255}});
+  addTable({3, 0, 16}, {0, 32768, 65535}, DCM_ModalityLUTSequence);
+  EXPECT_EQ(levels(), (std::vector<int>{0, 128, 255, 255})) << "x / 65535 * 255: 127.502 for 32768";
+  addTable({2, 32768, 8}, {10, 20});
+  EXPECT_EQ(levels(0), (std::vector<int>{10, 10, 20, 20}));
+  store({8, 8, false, "MONOCHROME1", "", "", "", {0, 1, 2, 3}});
+  addTable({3, 0, 16}, {1255, 1051, 1000}, DCM_ModalityLUTSequence);
+  EXPECT_EQ(levels(), (std::vector<int>{0, 204, 255, 255})) << "255 less 255, 51 and 0 of 255";
 }
 
 TEST_F(PaintedFiles, ColoursByPixelByPlaneAndFromAPalette) {
