@@ -1,6 +1,7 @@
 #include "workstation/database/StudyDatabase.h"
 
 #include <SQLiteCpp/Exception.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -46,6 +47,8 @@ Difference differenceOf(const std::vector<IndexedFile>& known, const FolderListi
             [](const FileStamp& a, const FileStamp& b) { return isPathBefore(stateOf(a), stateOf(b)); });
   return difference;
 }
+
+bool mayBeRead(const fs::path& file) { return ::faccessat(AT_FDCWD, file.c_str(), R_OK, AT_EACCESS) == 0; }
 
 void sortByPath(std::vector<UnreadableFile>& files) {
   std::stable_sort(files.begin(), files.end(),
@@ -161,7 +164,7 @@ bool StudyDatabase::update(const FolderListing& listing, const Progress& progres
     FileContents contents = readFileContents(scan_.pathOf(file));
     if (contents.report) lastReport_.keep(scan_.pathOf(file), *std::exchange(contents.report, {}), began);
     // Permissions can change without a trace in size and time: such a file is tried again next time.
-    if (contents.kind == FileKind::unreadable && ::access(scan_.pathOf(file).c_str(), R_OK) != 0) file.mtimeNs = 0;
+    if (contents.kind == FileKind::unreadable && !mayBeRead(scan_.pathOf(file))) file.mtimeNs = 0;
     files.push_back({std::move(file), std::move(contents)});
   }
   if (total > 0 && progress && !progress(total, total)) return false;
@@ -185,6 +188,14 @@ void StudyDatabase::refresh() {
   if (!looksAtFiles_) return;
   const FolderListing listing = scan_.changed();
   if (!listing.folders.empty()) update(listing, {});
+}
+
+void StudyDatabase::lookAgain() {
+  if (!looksAtFiles_) return;
+  FolderListing listing = scan_.all();
+  for (FileStamp& file : listing.files)
+    if (!mayBeRead(scan_.pathOf(file))) file.mtimeNs = 0;
+  update(listing, {});
 }
 
 std::vector<ImageRecord> StudyDatabase::images(const std::string& studyUid) {

@@ -44,7 +44,7 @@ struct OpenOptions {
   Progress progress;
   DiskCalls disk;
   /// Of a database folder: another process has just opened it, so the index says what lies there. The files are not
-  /// looked at then, neither on opening nor by refresh(); what is stored through the index is seen all the same.
+  /// looked at then, neither on opening nor later; what is stored through the index is seen all the same.
   /// Without effect where no index was found that can be used.
   bool indexIsCurrent = false;
 };
@@ -84,6 +84,8 @@ class StudyDatabase final : public ReportShelf {
 
   /// Looks for files that came or went since the last look. Cheap. The operations of ReportShelf do so by themselves.
   void refresh();
+  /// Looks at every file as opening does, and reads those that were changed in their place or may not be read any more.
+  void lookAgain();
 
   /// Copies files into a database folder; see importInto. Refused, as a problem of the result, for a folder that is
   /// opened in place.

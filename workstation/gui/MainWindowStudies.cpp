@@ -138,8 +138,9 @@ void MainWindow::importPaths(const std::vector<fs::path>& paths) {
 }
 
 void MainWindow::lookForFiles() {
-  desk_.folders().refresh();
+  const auto unreadable = desk_.folders().lookAgain();
   browser_->refill();
+  tellUnreadable(unreadable, "cannot be used");
   offerChangedStudies();
   scheduleRefresh(true);
 }
@@ -153,7 +154,8 @@ void MainWindow::offerChangedStudies() {
     const auto slices = [](std::size_t count) { return countText(count, "slice", "slices"); };
     if (change.left == 0) {
       messageBar_->withdraw(uid);
-      desk_.tell("The files of " + study + ", which is open, are no longer where they were: put them back.");
+      desk_.tell("The files of " + study +
+                 ", which is open, are no longer where they were, or cannot be read any more: put them back.");
     } else if (change.added + change.gone > 0) {
       std::string sentence = "Of " + study + ", which is open, ";
       if (change.added > 0) sentence += slices(change.added) + " came";

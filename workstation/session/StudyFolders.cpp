@@ -1,7 +1,8 @@
 #include "workstation/session/StudyFolders.h"
 
 #include <algorithm>
-#include <set>
+#include <iterator>
+#include <utility>
 
 namespace workstation {
 
@@ -34,11 +35,18 @@ bool liesIn(const fs::path& folder, const fs::path& file) {
   return std::mismatch(folder.begin(), folder.end(), name.begin(), name.end()).first == folder.end();
 }
 
+std::set<fs::path> pathsOf(const std::vector<UnreadableFile>& files) {
+  std::set<fs::path> paths;
+  for (const UnreadableFile& file : files) paths.insert(file.file);
+  return paths;
+}
+
 }  // namespace
 
 void StudyFolders::add(std::unique_ptr<StudyDatabase> database, const fs::path& place) {
   shelves_.add(*database);
-  folders_.push_back({nameOf(place), std::move(database), 0});
+  auto unusable = pathsOf(database->unreadableFiles());
+  folders_.push_back({nameOf(place), std::move(database), 0, std::move(unusable)});
 }
 
 bool StudyFolders::holds(const fs::path& place) const {
@@ -123,6 +131,18 @@ std::vector<std::string> StudyFolders::takeNotices() {
 
 void StudyFolders::refresh() {
   for (const Folder& folder : folders_) folder.database->refresh();
+}
+
+std::vector<UnreadableFile> StudyFolders::lookAgain() {
+  std::vector<UnreadableFile> fresh;
+  for (Folder& folder : folders_) {
+    folder.database->lookAgain();
+    const auto files = folder.database->unreadableFiles();
+    std::copy_if(files.begin(), files.end(), std::back_inserter(fresh),
+                 [&](const UnreadableFile& file) { return !folder.unusable.contains(file.file); });
+    folder.unusable = pathsOf(files);
+  }
+  return fresh;
 }
 
 }  // namespace workstation

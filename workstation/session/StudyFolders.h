@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,10 @@ class StudyFolders {
   std::vector<std::string> takeNotices();
   /// Looks for files that came or went.
   void refresh();
+  /// Looks at every file again, and answers those that cannot be used now and of which unreadableFilesIn, when their
+  /// place was added, or this function has not told yet, by place and path. What such a file held is not listed any
+  /// more.
+  std::vector<UnreadableFile> lookAgain();
 
   ReportShelf& shelf() { return shelves_; }
 
@@ -44,6 +49,7 @@ class StudyFolders {
     std::filesystem::path place;
     std::unique_ptr<StudyDatabase> database;
     std::size_t noticesTaken = 0;
+    std::set<std::filesystem::path> unusable;  ///< files, when it was added or last looked at again
   };
 
   Folder* folderOf(const std::string& studyUid);

@@ -1,8 +1,6 @@
 // What the person is told when something cannot be done, and that nothing is half done then.
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dctk.h>
-#include <sys/prctl.h>
-#include <unistd.h>
 
 #include <QLabel>
 #include <QToolButton>
@@ -10,27 +8,11 @@
 
 #include "WindowFixture.h"
 #include "tests/support/FileSizeLimit.h"
+#include "tests/support/NotRoot.h"
 #include "tests/workstation/dicom/DicomFixtures.h"
 
 namespace workstation::test {
 namespace {
-
-/// Permissions mean nothing to root, who runs tests in some places: while it lives, the process is somebody else.
-class NotRoot {
- public:
-  NotRoot() : wasRoot_(::geteuid() == 0) {
-    if (!wasRoot_) return;
-    EXPECT_EQ(::seteuid(65534), 0);
-  }
-  ~NotRoot() {
-    if (!wasRoot_) return;
-    EXPECT_EQ(::seteuid(0), 0);
-    ::prctl(PR_SET_DUMPABLE, 1);  // or a leak checker may not look at the end
-  }
-
- private:
-  bool wasRoot_;
-};
 
 class Messages : public WindowTest {
  protected:
@@ -89,6 +71,27 @@ TEST_F(Messages, AFileThatCannotBeReadIsNamedWhenItsFolderIsOpenedAndTheRestIsSh
   EXPECT_GE(workstation().viewers().size(), 2U);
 }
 
+TEST_F(Messages, AFileThatBecomesUnreadableIsNamedOnRequestAndWhatIsShownStays) {
+  openStudy();
+  const auto viewers = workstation().viewers().size();
+  const int viewer = sagittalViewer();
+  const auto slices = workstation().viewer(viewer)->slices;
+  const auto file = workstation().sliceRecord(viewer, 0)->file;
+  ASSERT_TRUE(workstation().drawLine(viewer, 0, {30, 30}, {60, 60}));
+  truncate(file, 60);
+  window_->findChild<QAction*>("lookForFiles")->trigger();
+  settle();
+  EXPECT_TRUE(isTold(file.string() + " cannot be used: it is truncated")) << messages();
+  EXPECT_TRUE(isTold("1 slice went")) << messages();
+  EXPECT_EQ(workstation().viewers().size(), viewers);
+  EXPECT_EQ(workstation().viewer(viewer)->slices, slices);
+  EXPECT_EQ(workstation().annotations(viewer, 0).size(), 1U) << "what was drawn on it stays";
+  window_->messages().dismiss();
+  window_->findChild<QAction*>("lookForFiles")->trigger();
+  settle();
+  EXPECT_FALSE(isTold("cannot be used")) << "named once: " << messages();
+}
+
 TEST_F(Messages, OfManyFilesThatCannotBeReadTheFirstAreNamedAndTheRestCounted) {
   for (int number = 100; number < 130; ++number) writeText(study() / ("empty" + std::to_string(number) + ".dcm"), "");
   openStudy();
@@ -129,7 +132,7 @@ TEST_F(Messages, ADatabaseThatMayNotBeWrittenIsToldOnImport) {
   std::filesystem::permissions(folder_.path(), perms(0755));
   for (const auto& folder : {database(), database() / "studies"}) std::filesystem::permissions(folder, perms(0555));
   {
-    const NotRoot person;
+    const testsupport::NotRoot person;
     window_->importPaths({study()});
     waitForTask();
   }

@@ -1,8 +1,11 @@
 #include "workstation/session/StudyFolders.h"
 
+#include <chrono>
+#include <fstream>
 #include <memory>
 
 #include "phantom/Phantom.h"
+#include "tests/support/NotRoot.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace workstation::test {
@@ -40,6 +43,18 @@ class AtHand : public testing::Test {
     ASSERT_TRUE(opened) << opened.problem;
     folders.add(std::move(*opened), root() / name);
   }
+
+  /// A copy of a study, as if nothing had happened there for an hour.
+  void addSettledCopy(const std::string& name) {
+    fs::copy(root() / "study1", root() / name, fs::copy_options::recursive);
+    const auto hourAgo = fs::file_time_type::clock::now() - std::chrono::hours(1);
+    for (const auto& entry : fs::recursive_directory_iterator(root() / name)) {
+      if (entry.is_directory()) fs::last_write_time(entry, hourAgo);
+    }
+    fs::last_write_time(root() / name, hourAgo);
+    add(name);
+  }
+  std::vector<ImageRecord> images() { return folders.images(uids()[0]); }
 
   StudyFolders folders;
 };
@@ -112,6 +127,69 @@ TEST_F(AtHand, StudiesThatLieTogetherHaveNoFolderOfTheirOwn) {
   EXPECT_EQ(folders.placeOf(uids()[0]), fs::canonical(root() / "mixed"));
   EXPECT_EQ(folders.ownFolder(uids()[0]), fs::path());
   fs::remove_all(root() / "mixed");
+}
+
+TEST_F(AtHand, FilesThatBecameUnreadableInTheirPlaceAreToldOnceAndTheRestStays) {
+  addSettledCopy("damaged");
+  const auto whole = images();
+  ASSERT_GT(whole.size(), 2U);
+  EXPECT_TRUE(folders.lookAgain().empty());
+  const fs::path file = whole[1].file;
+  fs::copy(file, root() / "kept");
+  for (const bool isFirstTime : {true, false}) {
+    fs::resize_file(file, 60);
+    const auto told = folders.lookAgain();
+    ASSERT_EQ(told.size(), 1U) << isFirstTime;
+    EXPECT_EQ(told[0].file, file);
+    EXPECT_NE(told[0].reason.find("truncated"), std::string::npos) << told[0].reason;
+    ASSERT_EQ(images().size(), whole.size() - 1);
+    EXPECT_EQ(images()[0].file, whole[0].file);
+    EXPECT_EQ(images()[1].file, whole[2].file);
+    EXPECT_TRUE(folders.lookAgain().empty()) << "it is known now";
+    fs::copy(root() / "kept", file, fs::copy_options::overwrite_existing);
+    EXPECT_TRUE(folders.lookAgain().empty());
+    EXPECT_EQ(images().size(), whole.size()) << "it is back";
+  }
+}
+
+TEST_F(AtHand, WhatWasUnusableWhenAFolderWasAddedIsNotToldAgainButWhatCameIs) {
+  fs::copy(root() / "study1", root() / "bad", fs::copy_options::recursive);
+  std::ofstream(root() / "bad" / "old.dcm").flush();
+  add("bad");
+  EXPECT_EQ(folders.unreadableFilesIn(root() / "bad").size(), 1U);
+  EXPECT_TRUE(folders.lookAgain().empty());
+  std::ofstream(root() / "bad" / "new.dcm").flush();
+  folders.refresh();
+  const auto told = folders.lookAgain();
+  ASSERT_EQ(told.size(), 1U) << "also where something else has noticed it before";
+  EXPECT_EQ(told[0].file, root() / "bad" / "new.dcm");
+}
+
+TEST_F(AtHand, AFileThatMayNotBeReadAnyMoreIsTold) {
+  addSettledCopy("locked");
+  const fs::path file = images()[0].file;
+  const auto count = images().size();
+  fs::permissions(root(), fs::perms(0755));
+  fs::permissions(file, fs::perms::none);
+  {
+    const testsupport::NotRoot person;
+    const auto told = folders.lookAgain();
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_EQ(told[0].file, file);
+    EXPECT_EQ(images().size(), count - 1);
+  }
+  fs::permissions(file, fs::perms(0644));
+  EXPECT_TRUE(folders.lookAgain().empty());
+  EXPECT_EQ(images().size(), count);
+}
+
+TEST_F(AtHand, AFolderThatHasGoneIsTold) {
+  addSettledCopy("gone");
+  fs::remove_all(root() / "gone");
+  const auto told = folders.lookAgain();
+  ASSERT_EQ(told.size(), 1U);
+  EXPECT_EQ(told[0].file, root() / "gone");
+  EXPECT_TRUE(images().empty());
 }
 
 }  // namespace
