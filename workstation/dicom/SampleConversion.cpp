@@ -35,12 +35,24 @@ bool readChannel(DcmItem& dataset, const DcmTagKey& descriptorTag, const DcmTagK
   return true;
 }
 
-std::uint32_t rawSample(const std::uint8_t* bytes, int width) {
-  if (width == 1) return *bytes;
-  std::uint16_t word = 0;
-  std::memcpy(&word, bytes, sizeof word);
-  return word;
-}
+/// Cuts the stored bits out of a sample and extends the sign.
+class StoredBits {
+ public:
+  explicit StoredBits(const ImageLayout& layout)
+      : shift_(layout.highBit + 1 - layout.bitsStored),
+        mask_((1U << layout.bitsStored) - 1),
+        signBit_(layout.isSigned ? 1U << (layout.bitsStored - 1) : 0) {}
+
+  std::int32_t operator()(std::uint32_t sample) const {
+    const std::uint32_t stored = (sample >> shift_) & mask_;
+    return static_cast<std::int32_t>(stored ^ signBit_) - static_cast<std::int32_t>(signBit_);
+  }
+
+ private:
+  int shift_;
+  std::uint32_t mask_;
+  std::uint32_t signBit_;
+};
 
 /// Where a sample of a pixel lies in the frame, counted in samples.
 std::size_t positionOf(std::size_t pixel, std::size_t sample, std::size_t pixels, const FrameBytes& frame,
@@ -49,25 +61,34 @@ std::size_t positionOf(std::size_t pixel, std::size_t sample, std::size_t pixels
   return frame.byPlane ? sample * pixels + pixel : pixel * samplesPerPixel + sample;
 }
 
+/// Samples of a type of whole bytes.
+template <class Sample>
+std::vector<std::int32_t> unpack(const FrameBytes& frame, std::size_t pixels, std::size_t perPixel, StoredBits bits) {
+  const auto sampleAt = [&](std::size_t position) {
+    Sample sample = 0;
+    std::memcpy(&sample, frame.bytes.data() + position * sizeof sample, sizeof sample);
+    return bits(sample);
+  };
+  std::vector<std::int32_t> samples(pixels * perPixel);
+  // As most images are stored: the samples in the order in which they are wanted.
+  if (!frame.isSubsampled && (!frame.byPlane || perPixel == 1)) {
+    for (std::size_t position = 0; position < samples.size(); ++position) samples[position] = sampleAt(position);
+    return samples;
+  }
+  for (std::size_t pixel = 0; pixel < pixels; ++pixel)
+    for (std::size_t sample = 0; sample < perPixel; ++sample)
+      samples[pixel * perPixel + sample] = sampleAt(positionOf(pixel, sample, pixels, frame, perPixel));
+  return samples;
+}
+
 }  // namespace
 
 std::vector<std::int32_t> unpackSamples(const FrameBytes& frame, const ImageLayout& layout) {
   const std::size_t pixels = static_cast<std::size_t>(layout.rows) * static_cast<std::size_t>(layout.columns);
   const auto perPixel = static_cast<std::size_t>(layout.samplesPerPixel);
-  const int shift = layout.highBit + 1 - layout.bitsStored;
-  const std::uint32_t mask = (1U << layout.bitsStored) - 1;
-  const std::uint32_t signBit = layout.isSigned ? 1U << (layout.bitsStored - 1) : 0;
-  const auto width = static_cast<std::size_t>(layout.bytesPerSample());
-  std::vector<std::int32_t> samples;
-  samples.reserve(pixels * perPixel);
-  for (std::size_t pixel = 0; pixel < pixels; ++pixel) {
-    for (std::size_t sample = 0; sample < perPixel; ++sample) {
-      const std::size_t at = positionOf(pixel, sample, pixels, frame, perPixel) * width;
-      const std::uint32_t stored = (rawSample(frame.bytes.data() + at, layout.bytesPerSample()) >> shift) & mask;
-      samples.push_back(static_cast<std::int32_t>(stored ^ signBit) - static_cast<std::int32_t>(signBit));
-    }
-  }
-  return samples;
+  const StoredBits bits(layout);
+  return layout.bytesPerSample() == 1 ? unpack<std::uint8_t>(frame, pixels, perPixel, bits)
+                                      : unpack<std::uint16_t>(frame, pixels, perPixel, bits);
 }
 
 void convertYbrToRgb(std::vector<std::int32_t>& samples) {
