@@ -63,6 +63,29 @@ TEST(GreyImage, ValuesTooFarApartForATableComeOutTheSame) {
   EXPECT_EQ(levelsOf(imageOf(pixels)), (Levels{0, 3, 126, 255}));
 }
 
+TEST(GreyImage, EveryValueOfSixteenBitsComesOutAsWhenItIsWindowedAlone) {
+  for (const auto function : {WindowFunction::linear, WindowFunction::linearExact, WindowFunction::sigmoid}) {
+    for (const double slope : {1.0, -0.37}) {
+      PixelData pixels;
+      pixels.rows = 1;
+      for (std::int32_t value = -32768; value <= 32767; ++value) pixels.samples.push_back(value);
+      pixels.columns = static_cast<int>(pixels.samples.size());
+      pixels.rescaleSlope = slope;
+      pixels.rescaleIntercept = 12.25;
+      pixels.windows = {{40, 4001.5, {}}};
+      pixels.windowFunction = function;
+      const VoiTransform transform = voiTransformOf(pixels, storedRange(pixels), {});
+      const QImage image = imageOf(pixels);
+      int different = 0;
+      for (int x = 0; x < image.width(); ++x) {
+        const double modality = slope * pixels.samples[static_cast<std::size_t>(x)] + 12.25;
+        if (qRed(image.pixel(x, 0)) != eightBits(transform.brightness(modality))) ++different;
+      }
+      EXPECT_EQ(different, 0) << "function " << static_cast<int>(function) << ", slope " << slope;
+    }
+  }
+}
+
 TEST(GreyImage, UsesTheTableOfTheFile) {
   PixelData pixels = greyPixels({0, 1, 2, 3});
   pixels.voiLuts = {{1, 8, {10, 20}, {}}};
