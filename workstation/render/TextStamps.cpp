@@ -76,10 +76,14 @@ TextStamp makeStamp(const QString& text, const TextStyle& style, double devicePi
   painter.translate(stamp.baseline);
   QColor opaque = style.colour;
   opaque.setAlpha(255);
-  painter.setPen(QPen(outlineColour(opaque), 2 * outlineWidthOfText(size), Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.setPen(QPen(outlineColour(opaque), 2 * outlineWidthOfText(size), Qt::SolidLine, Qt::RoundCap, Qt::BevelJoin));
   // One contour at a time: stroking a long text as one path takes time that grows with the square of its length.
-  for (const QPolygonF& contour : outline.toSubpathPolygons())
-    painter.drawPolygon(QTransform::fromScale(factor, factor).map(contour));
+  // Curves become lines at twice the device's pixels: finer ones, and round joins, are not seen and cost most of the
+  // time.
+  const double fineness = 2 * devicePixelRatio;
+  for (const QPolygonF& contour :
+       outline.toSubpathPolygons(QTransform::fromScale(fineness * factor, fineness * factor)))
+    painter.drawPolygon(QTransform::fromScale(1 / fineness, 1 / fineness).map(contour));
   painter.fillPath(path, opaque);
   return stamp;
 }
