@@ -3,7 +3,7 @@
 #include "cli/Commands.h"
 #include "cli/Console.h"
 #include "cli/PlainText.h"
-#include "workstation/database/StudyDatabase.h"
+#include "cli/StudyReading.h"
 
 namespace cli {
 
@@ -22,26 +22,18 @@ void printImport(const workstation::ImportResult& result, const std::string& dat
 }  // namespace
 
 int runImport(const ImportArguments& arguments) {
-  const auto database = workstation::StudyDatabase::openDatabase(arguments.database);
+  const auto database = readStudies(arguments.database, true);
+  if (interrupted()) return fail(interruptedBeforeChange(arguments.database));
   if (!database) return fail({ExitUnreadable, database.problem});
   for (const auto& notice : (*database)->notices()) printMessage(notice);
-  workstation::ImportResult result;
-  {
-    ProgressLine progress("Importing");
-    result = (*database)->importFiles({arguments.paths.begin(), arguments.paths.end()},
-                                      [&](std::size_t done, std::size_t total) { return progress.show(done, total); });
-  }
-  for (const auto& file : result.unreadable) printMessage(file.file.string() + " cannot be imported: " + file.reason);
-  if (!result.problem.empty()) return fail({ExitNotAllowed, result.problem});
-  if (result.cancelled) {
-    return fail({ExitNotAllowed, "Interrupted: the database " + arguments.database + " is as it was before."});
-  }
-  if (result.imported + result.known == 0) {
+  const auto result = importStudies(**database, arguments.database, {arguments.paths.begin(), arguments.paths.end()});
+  if (!result) return fail(result.failure);
+  if (result->imported + result->known == 0) {
     return fail({ExitUnreadable, "Nothing was imported into " + arguments.database + ": no DICOM object was found in " +
                                      arguments.paths.front() +
                                      (arguments.paths.size() > 1 ? " and the other paths." : ".")});
   }
-  printImport(result, arguments.database);
+  printImport(*result, arguments.database);
   return ExitDone;
 }
 

@@ -197,7 +197,7 @@ int runInfo(const InfoArguments& arguments) {
     if (!session) return fail(session.failure);
     const auto facts = factsOf(**session, study);
     for (const auto& report : facts.unreadableReports) {
-      printMessage(report.file + " does not count as a labelling: " + report.reason);
+      printMessage(report.file + " does not count as a labelling: " + report.reason + ".");
     }
     if (arguments.json) {
       std::cout << jsonOf(facts, (*source)->bad()).dump(-1, ' ', false, ordered_json::error_handler_t::replace) << '\n';

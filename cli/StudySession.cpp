@@ -17,7 +17,8 @@ namespace {
 
 void printBadFiles(const std::vector<BadFile>& files) {
   for (const auto& bad : files) {
-    printMessage(bad.file + (bad.shown ? " is shown but cannot be labelled: " : " cannot be used: ") + bad.reason);
+    printMessage(bad.file + (bad.shown ? " is shown but cannot be labelled: " : " cannot be used: ") + bad.reason +
+                 ".");
   }
 }
 
@@ -56,24 +57,6 @@ std::string contentsOf(std::size_t bad, const LeftOut& left) {
   return list.empty() ? "it holds no file" : list;
 }
 
-/// Opens a database folder, or a folder in place.
-Expected<std::unique_ptr<StudyDatabase>> openStudies(const std::string& path, bool isDatabase,
-                                                     const SourceOptions& how) {
-  workstation::Result<std::unique_ptr<StudyDatabase>> opened;
-  {
-    ProgressLine progress("Reading the study");
-    workstation::OpenOptions options;
-    options.indexIsCurrent = how.indexIsCurrent;
-    if (!how.amongMany) {
-      options.progress = [&](std::size_t done, std::size_t total) { return progress.show(done, total); };
-    }
-    opened = isDatabase ? StudyDatabase::openDatabase(path, options) : StudyDatabase::openFolder(path, options);
-  }
-  if (interrupted()) return Failure{ExitNotAllowed, "Interrupted while reading " + path + "; nothing was changed."};
-  if (!opened) return Failure{ExitUnreadable, opened.problem};
-  return std::move(*opened);
-}
-
 }  // namespace
 
 Expected<std::unique_ptr<StudySource>> StudySource::open(const std::string& study, const std::string& database,
@@ -106,8 +89,9 @@ std::optional<Failure> StudySource::openPath(const SourceOptions& options) {
     return Failure{ExitUnreadable, (path_.empty() ? "A folder without a name" : path_) + " does not exist: give a " +
                                        (isDatabase_ ? "database folder." : "folder of DICOM files.")};
   }
-  auto opened = openStudies(path_, isDatabase_, options);
-  if (!opened) return opened.failure;
+  auto opened = readStudies(path_, isDatabase_, options);
+  if (interrupted()) return Failure{ExitNotAllowed, "Interrupted while reading " + path_ + "; nothing was changed."};
+  if (!opened) return Failure{ExitUnreadable, opened.problem};
   database_ = std::move(*opened);
   if (options.indexIsCurrent) printedNotices_ = database_->notices().size();
   printNotices();

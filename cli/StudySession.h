@@ -11,6 +11,7 @@
 
 #include "cli/ExitStatus.h"
 #include "cli/PersonDefaults.h"
+#include "cli/StudyReading.h"
 #include "workstation/database/StudyDatabase.h"
 #include "workstation/session/Session.h"
 
@@ -28,12 +29,6 @@ struct LeftOut {
   std::size_t otherObjects = 0;  ///< DICOM objects that are no images
   std::size_t notDicom = 0;      ///< files that were skipped
   std::size_t copies = 0;        ///< files with an image that another file holds
-};
-
-/// How a source of studies is opened.
-struct SourceOptions {
-  bool amongMany = false;       ///< no progress is shown, and a folder without one image is told in one line
-  bool indexIsCurrent = false;  ///< of a database: see OpenOptions; what there is to tell of its index was told then
 };
 
 /// The studies in a folder of DICOM files, opened in place, or those of a database that were chosen.

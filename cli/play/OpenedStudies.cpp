@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "cli/Console.h"
+#include "cli/StudyReading.h"
 
 namespace cli {
 
@@ -15,6 +16,14 @@ namespace {
 
 void printUnreadable(const std::vector<workstation::UnreadableFile>& files) {
   for (const auto& bad : files) printMessage(bad.file.string() + " cannot be used: " + bad.reason + ".");
+}
+
+/// A reading that the interrupt key has stopped is told as that, not as a folder that cannot be read.
+Expected<std::unique_ptr<StudyDatabase>> openAt(const std::string& path, bool isDatabase) {
+  auto opened = readStudies(path, isDatabase);
+  if (interrupted()) return Failure{ExitNotAllowed, "Interrupted while reading " + path + "."};
+  if (!opened) return Failure{ExitUnreadable, opened.problem};
+  return std::move(*opened);
 }
 
 Failure noImage(const std::string& path) {
@@ -43,23 +52,24 @@ Expected<std::unique_ptr<OpenedStudies>> OpenedStudies::open(const std::string& 
                                                              const std::vector<std::string>& openedBefore) {
   std::unique_ptr<OpenedStudies> studies(new OpenedStudies(database));
   if (!database.empty()) {
-    if (auto failure = studies->add(StudyDatabase::openDatabase(database))) return *failure;
+    auto opened = openAt(database, true);
+    if (!opened) return opened.failure;
+    studies->add(std::move(*opened));
   }
   for (const auto& path : openedBefore) {
-    auto opened = StudyDatabase::openFolder(path);
+    auto opened = openAt(path, false);
+    if (!opened && interrupted()) return opened.failure;
     if (!opened) continue;
     studies->paths_.push_back(path);
-    if (auto failure = studies->add(std::move(opened))) return *failure;
+    studies->add(std::move(*opened));
   }
   return studies;
 }
 
-std::optional<Failure> OpenedStudies::add(workstation::Result<Database> opened) {
-  if (!opened) return Failure{ExitUnreadable, opened.problem};
-  for (const auto& notice : (*opened)->notices()) printMessage(notice);
-  shelves_.add(**opened);
-  databases_.push_back(std::move(*opened));
-  return std::nullopt;
+void OpenedStudies::add(Database opened) {
+  for (const auto& notice : opened->notices()) printMessage(notice);
+  shelves_.add(*opened);
+  databases_.push_back(std::move(opened));
 }
 
 Expected<Images> OpenedStudies::addPath(const std::string& path) {
@@ -68,11 +78,10 @@ Expected<Images> OpenedStudies::addPath(const std::string& path) {
 }
 
 Expected<Images> OpenedStudies::import(const std::string& path) {
-  const auto result = databases_.front()->importFiles({path});
-  printUnreadable(result.unreadable);
-  if (!result.problem.empty()) return Failure{ExitNotAllowed, result.problem};
+  const auto result = importStudies(*databases_.front(), databaseFolder_, {path});
+  if (!result) return result.failure;
   Images all;
-  for (const auto& study : result.studies) {
+  for (const auto& study : result->studies) {
     const auto images = databases_.front()->images(study);
     all.insert(all.end(), images.begin(), images.end());
   }
@@ -87,7 +96,9 @@ Expected<Images> OpenedStudies::openInPlace(const std::string& path) {
   const auto known = std::find(paths_.begin(), paths_.end(), place);
   auto index = static_cast<std::size_t>(known - paths_.begin());
   if (known == paths_.end()) {
-    if (auto failure = add(StudyDatabase::openFolder(place))) return *failure;
+    auto opened = openAt(place, false);
+    if (!opened) return opened.failure;
+    add(std::move(*opened));
     paths_.push_back(place);
   } else {
     databases_[index]->refresh();
@@ -109,11 +120,11 @@ Images OpenedStudies::images(const std::string& studyUid) {
 std::optional<Failure> OpenedStudies::addReport(const std::string& path, const std::string& file) const {
   if (auto failure = missing(file)) return failure;
   if (!databaseFolder_.empty()) {
-    auto another = StudyDatabase::openDatabase(databaseFolder_);
-    if (!another) return Failure{ExitUnreadable, another.problem};
-    const auto result = (*another)->importFiles({file});
-    if (!result.problem.empty()) return Failure{ExitNotAllowed, result.problem};
-    if (result.imported > 0) return std::nullopt;
+    auto another = openAt(databaseFolder_, true);
+    if (!another) return another.failure;
+    const auto result = importStudies(**another, databaseFolder_, {file});
+    if (!result) return result.failure;
+    if (result->imported > 0) return std::nullopt;
     return Failure{ExitNotAllowed, file + " was not added: it is no DICOM object, or the database holds it already."};
   }
   if (auto failure = missing(path)) return failure;

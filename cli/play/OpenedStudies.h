@@ -36,7 +36,7 @@ class OpenedStudies {
   using Database = std::unique_ptr<workstation::StudyDatabase>;
 
   explicit OpenedStudies(std::string database) : databaseFolder_(std::move(database)) {}
-  std::optional<Failure> add(workstation::Result<Database> opened);
+  void add(Database opened);
   Expected<std::vector<workstation::ImageRecord>> import(const std::string& path);
   Expected<std::vector<workstation::ImageRecord>> openInPlace(const std::string& path);
 

@@ -50,6 +50,7 @@ def check_mixed_folder(checks, program, study, bad):
     for name, reason in bad.items():
         lines = [line for line in run.messages if f"/{name} " in line]
         checks.that(len(lines) == 1, f"{name} is named once", run)
+        checks.that(lines and lines[0].endswith(".") and not lines[0].endswith(".."), f"{name}: a whole sentence", run)
         checks.that(lines and reason in lines[0].split(name, 1)[1], f"{name}: the reason speaks of '{reason}'", run)
     checks.that(len(run.messages) == len(bad), "nothing else is complained of", run)
     listed = {pathlib.Path(entry["file"]).name for entry in Run(program, ["info", study, "--json"]).json()["unreadable"]}

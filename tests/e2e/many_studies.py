@@ -7,7 +7,6 @@ usage: many_studies.py VERTANA
 import json
 import os
 import pathlib
-import pty
 import shutil
 import signal
 import subprocess
@@ -17,8 +16,7 @@ import tempfile
 import pydicom
 
 import program as e2e
-from program import Checks, Run, asked_of_oracle, contents, phantom
-
+from program import Checks, Run, asked_of_oracle, contents, on_terminal, phantom
 
 
 class Study:
@@ -193,23 +191,8 @@ def check_interrupt(checks, program, studies):
 
 def check_progress(checks, program, studies):
     """Progress goes to a terminal; nothing of it stays, and messages stand in lines of their own."""
-    terminal, its_end = pty.openpty()
-    arguments = ["show", "--csv", *(study.folder for study in studies), "/nowhere"]
-    process = start(program, arguments, stdout=subprocess.PIPE, stderr=its_end)
-    os.close(its_end)
-    out, _ = process.communicate(timeout=60)
-    seen = b""
-    while True:
-        try:
-            piece = os.read(terminal, 4096)
-        except OSError:  # a terminal ends so
-            piece = b""
-        if not piece:
-            break
-        seen += piece
-    os.close(terminal)
-    text = seen.decode()
-    checks.that(out.decode() == csv_of(studies), "the table does not notice the terminal")
+    _, out, text = on_terminal(program, ["show", "--csv", *(study.folder for study in studies), "/nowhere"])
+    checks.that(out == csv_of(studies), "the table does not notice the terminal")
     checks.that(f"Reading studies 50 % (2 of {len(studies) + 1})" in text, f"progress is shown: {text!r}")
     checks.that("\r\x1b[Kvertana: /nowhere does not exist" in text, f"a message has its own line: {text!r}")
     checks.that(text.endswith("\r\x1b[K"), f"the progress goes away: {text!r}")

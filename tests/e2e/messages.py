@@ -7,6 +7,7 @@ usage: messages.py VERTANA
 import json
 import os
 import pathlib
+import re
 import shutil
 import signal
 import subprocess
@@ -15,7 +16,7 @@ import tempfile
 
 import pydicom
 
-from program import Checks, Run, interrupted, phantom
+from program import Checks, Run, interrupted, on_terminal, phantom
 from reports import BLOCK_ARCHIVE, BLOCK_CREATOR, BLOCK_GROUP, archive_of, report_files
 
 LINE = ["--line", "165,35,160,275"]
@@ -27,6 +28,12 @@ def told(checks, run, status, *sentences):
     lines = run.out.splitlines() + run.messages
     for sentence in sentences:
         checks.that(any(line.endswith(sentence) for line in lines), f"it says: {sentence}", run)
+
+
+def is_whole(run, beginning):
+    """Whether one message begins so, goes on, and ends as a sentence does."""
+    lines = [line for line in run.messages if line.startswith(f"vertana: {beginning}")]
+    return len(lines) == 1 and re.fullmatch(r".*[^.: ]\.", lines[0]) is not None
 
 
 def another_object(image, target):
@@ -62,7 +69,7 @@ def check_without_images(checks, program, image, top):
             (folder / f"{number}.dcm").write_bytes(image.read_bytes()[:3000])
         run = Run(program, ["info", folder])
         told(checks, run, 3, f"{folder}{nothing}{sentence}")
-        checks.that(any(f"{folder}/0.dcm cannot be used: " in line for line in run.messages), "it is named", run)
+        checks.that(is_whole(run, f"{folder}/0.dcm cannot be used: "), "it is named", run)
 
 
 def check_left_out(checks, program, study, folder):
@@ -89,9 +96,9 @@ def check_left_out(checks, program, study, folder):
     checks.that(run.status == 0, "what is good of it is imported", run)
     (folder / "broken.dcm").write_bytes(image.read_bytes()[:3000])
     run = Run(program, ["import", folder, "--database", folder.parent / "mixed database"])
-    checks.that(any(f"{folder}/broken.dcm cannot be imported: " in line for line in run.messages), "bad ones not", run)
+    checks.that(is_whole(run, f"{folder}/broken.dcm cannot be imported: "), "bad ones not", run)
     run = Run(program, ["info", folder])
-    checks.that(any(f"{broken} is shown but cannot be labelled: " in line for line in run.messages), "it is shown", run)
+    checks.that(is_whole(run, f"{broken} is shown but cannot be labelled: "), "it is shown", run)
 
 
 def check_past(checks, program, study, top):
@@ -125,7 +132,7 @@ def check_past(checks, program, study, top):
     report.private_block(BLOCK_GROUP, BLOCK_CREATOR)[BLOCK_ARCHIVE].value = archive[:len(archive) // 4 * 2]
     report.save_as(newest)
     run = Run(program, ["info", folder])
-    checks.that(any(f"{newest} does not count as a labelling: " in line for line in run.messages), "it is named", run)
+    checks.that(is_whole(run, f"{newest} does not count as a labelling: "), "it is named", run)
     report = pydicom.dcmread(newest)
     report.remove_private_tags()
     report.save_as(newest)
@@ -151,7 +158,7 @@ def listens(process):
 
 def check_interrupts(checks, program, study, top):
     """Each kind of long work, begun on a study that takes a while."""
-    long = top / "long"
+    long = top / "base" / "studies"  # which is also what a database folder without an index holds
     for number in range(20):
         shutil.copytree(study, long / str(number), copy_function=os.link)
     database = top / "database"
@@ -165,6 +172,7 @@ def check_interrupts(checks, program, study, top):
     for arguments, begun, sentence in cases:
         status, _, messages = interrupted(program, arguments, begun)
         checks.that(status == 1 and messages == f"vertana: {sentence}\n", f"{arguments}: {status}, {messages}")
+    check_reading(checks, program, long, top)
     pictures = top / "pictures"
     if Run(program, ["render", study, "--out", top / "all pictures"]).status == 0:  # the painting module is built
         arguments = ["render", study, "--out", pictures]
@@ -182,6 +190,24 @@ def check_interrupts(checks, program, study, top):
         out, messages = process.communicate(timeout=300)
     checks.that(process.returncode == 1 and out == "" and messages ==
                 'vertana: Step 1 of 1, "dump": Interrupted before it.\n', f"a script: {out}, {messages}")
+
+
+def check_reading(checks, program, long, top):
+    """A study that takes a while is read with progress on a terminal, and no longer than until the interrupt key."""
+    (top / "open.json").write_text(json.dumps({"steps": [{"do": "openStudy", "path": str(long)}]}))
+    play, database, base = ["play", top / "open.json"], top / "played", long.parent
+    import_one = ["import", long / "0" / "SE01" / "IM0001.dcm", "--database"]
+    as_it_was = "Interrupted: the database {} is as it was before."
+    step = 'Step 1 of 1, "openStudy": '
+    cases = [(play, "Reading the study", f"{step}Interrupted while reading {long}."),
+             ([*play, "--database", database], "Importing", step + as_it_was.format(database)),
+             ([*play, "--database", base], "Reading the study", f"Interrupted while reading {base}."),
+             ([*import_one, base], "Reading the study", as_it_was.format(base))]
+    for arguments, what, sentence in cases:
+        status, out, shown = on_terminal(program, arguments, what.encode())
+        wanted = rf"(\r{what} \d+ % \(\d+ of (\d+)\)\x1b\[K)+\r\x1b\[Kvertana: {re.escape(sentence)}\r\n"
+        checks.that(status == 1 and out == "" and re.fullmatch(wanted, shown) and " 100 %" not in shown,
+                    f"{arguments}: {status}, {shown!r}")
 
 
 def check_without_plugin(checks, program, study):

@@ -3,6 +3,7 @@ import hashlib
 import json
 import os
 import pathlib
+import pty
 import signal
 import subprocess
 import sys
@@ -55,6 +56,31 @@ def interrupted(program, arguments, begun):
         process.send_signal(signal.SIGINT)
         out, messages = process.communicate(timeout=300)
     return process.returncode, out, messages
+
+
+def on_terminal(program, arguments, interrupt_at=None):
+    """Status, output, and what a terminal shows of the messages, of a run that gets the interrupt key as soon as the
+    terminal shows the bytes `interrupt_at`."""
+    terminal, its_end = pty.openpty()
+    seen = b""
+    with tempfile.TemporaryFile() as out:
+        with subprocess.Popen([program, *map(str, arguments)], env=dict(os.environ, XDG_CONFIG_HOME=_settings.name),
+                              stdin=subprocess.DEVNULL, stdout=out, stderr=its_end) as process:
+            os.close(its_end)
+            while True:
+                try:
+                    piece = os.read(terminal, 4096)
+                except OSError:  # a terminal ends so
+                    break
+                if not piece:
+                    break
+                seen += piece
+                if interrupt_at and interrupt_at in seen:
+                    process.send_signal(signal.SIGINT)
+                    interrupt_at = None
+        os.close(terminal)
+        out.seek(0)
+        return process.returncode, out.read().decode(), seen.decode()
 
 
 def asked_of_oracle(*arguments):
