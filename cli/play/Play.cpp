@@ -39,8 +39,8 @@ int play(const PlayArguments& arguments) {
   if (!player) return fail(player.failure);
   // A script that stops in the middle ends like a program that is killed: nothing more happens to the studies.
   if (const auto failure = playSteps(*script, **player)) return fail(*failure);
-  (*player)->quit();
-  return ExitDone;
+  const auto lost = (*player)->quit();
+  return lost ? fail(*lost) : ExitDone;
 }
 
 }  // namespace cli

@@ -46,15 +46,22 @@ void Player::collect() {
   for (const auto& notice : process_->session.store().takeNotices()) printMessage(notice);
 }
 
-void Player::quit() {
+std::optional<Failure> Player::quit() {
   workstation().quit();
   collect();
+  std::optional<Failure> failure;
+  for (const auto& study : studies_) {
+    const auto status = process_->session.store().status(study);
+    if (!status.unsaved || failure) continue;
+    failure = {ExitNotAllowed, "The labelling of the study " + study + " could not be stored: " + status.problem};
+  }
   pathsInPlace_ = process_->studies->paths();
   process_.reset();
+  return failure;
 }
 
 std::optional<Failure> Player::runStep(const RestartStep&) {
-  quit();
+  quit();  // what could not be stored is told then, and lost as it would be to a person
   return startProcess();
 }
 

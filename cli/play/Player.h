@@ -33,8 +33,8 @@ class Player {
 
   /// Nothing when it was done; what was refused has not changed anything, as far as the workstation says so.
   std::optional<Failure> run(const Step& step);
-  /// Ends as a person does. Nothing can be run afterwards.
-  void quit();
+  /// Ends as a person does. Nothing can be run afterwards. A labelling that could not be stored even then is a Failure.
+  std::optional<Failure> quit();
 
  private:
   /// What a crash ends.

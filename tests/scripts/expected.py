@@ -206,6 +206,12 @@ def no_vertical(_):
     return [told, {**told, "name": "told once", "alerts": []}]
 
 
+def unsaved(phantom):
+    """The program ends with a labelling that it could not store anywhere."""
+    return [stage("kept in memory",
+                  stored={LUMBAR: stored("#kept", straight(phantom).state(), objects=0, unsaved=True)})]
+
+
 def refused(title, code, reason, remedy):
     return [dump(None, [viewer(0, 1, front=True)], plugin=plugin(displayLabels=False),
                  alerts=alert("critical", title, f"VertanaFilterError ({code})\n{reason}\n{remedy}"),
@@ -216,6 +222,12 @@ def lacking(_):
     """The first requirement that fails is told; the tool of annotations is none."""
     return refused("Required API unavailable.", 2,
                    "DCMPix instances do not respond to selector -[DCMPix bodyPartExamined].",
+                   "Update Pelmar and this plugin to the latest versions.")
+
+
+def lacking_archive(_):
+    """Of all that is missing, the archiving of points is looked for first."""
+    return refused("Required API unavailable.", 1, "Point3D does not conforms to NSCoding protocol.",
                    "Update Pelmar and this plugin to the latest versions.")
 
 
@@ -301,9 +313,12 @@ SCRIPTS = {
     "measured": (measured, {}),
     "own": (own, {"status": 1, "messages": ["Step 23 of 23, \"redo\": There is nothing to redo."]}),
     "events": (events, {}), "palette": (palette, {}), "no_vertical": (no_vertical, {}), "lacking": (lacking, {}),
+    "lacking_archive": (lacking_archive, {}),
     "old_host": (old_host, {}), "reset_sticks": (reset_sticks, {}),
     "colleague": (colleague, {"before": ALL_REPORTS, "messages": ["broken.dcm", "broken.dcm"]}),
     "full_disk": (full_disk, {"messages": ["is not yet saved", "is not yet saved"]}),
+    "unsaved": (unsaved, {"status": 1, "untouched": ["lumbar"],
+                          "messages": ["is not yet saved", f"The labelling of the study {LUMBAR} could not be stored: "]}),
     "no_leak": (no_leak, {"before": [{"phantom": "neck", "options": ["--region", "cervical", "--seed", "2"]}]}),
     "database": (database, {"before": OTHERS, "untouched": ["lumbar"]}),
     "no_viewer": (no_viewer, {"status": 1,
