@@ -16,6 +16,10 @@ from phantoms import phantom  # noqa: E402
 
 OPEN = {"do": "openStudy", "path": "lumbar"}
 SHOW = {"do": "openViewer", "path": "lumbar", "series": 1}
+LABELS = {"do": "menu", "viewer": 0, "title": "Labels"}
+LINE = {"do": "draw", "viewer": 0, "slice": 7, "type": "line", "points": [[160, 40], [160, 290]]}
+POLYGON = {**LINE, "type": "polygon", "points": [[160, 40], [160, 165], [160, 290]], "release": False}
+DRAG = {"do": "dragVertex", "viewer": 0, "roi": "curve", "vertex": 0, "to": [1, 1]}
 # Steps, exit status, the step that is refused (from 1) and a part of the sentence.
 ROWS = [
     ([{"do": "openStudy", "path": "nowhere"}], 3, 1, "nowhere does not exist."),
@@ -30,10 +34,14 @@ ROWS = [
     ([SHOW, {"do": "closeViewer", "viewer": -1}], 1, 2, "No viewer with the number -1 is open."),
     ([SHOW, {"do": "draw", "viewer": 3, "type": "line", "points": [[1, 1], [2, 2]]}], 1, 2, "No viewer with the number"),
     ([SHOW, {"do": "scroll", "viewer": 0, "slice": 15}], 1, 2, "its slices are 0 to 14."),
-    ([SHOW, {"do": "tool", "viewer": 0, "roi": 7}], 1, 2, "There is no annotation tool 7"),
+    ([SHOW, {"do": "tool", "viewer": 0, "roi": 7}], 1, 2,
+     "There is no annotation tool 7: choose 5 (length line), 10 (open polygon), 13 (text), 14 (arrow) or 19 (point)."),
+    ([SHOW, {"do": "zoom", "viewer": 0, "scale": 0}], 1, 2, "The zoom of viewer 0 must be a finite number above 0."),
+    ([SHOW, LABELS, LINE, {**DRAG, "vertex": 6}], 1, 4, " has no vertex 6: it has 6, counted from 0."),
+    ([SHOW, LABELS, {"do": "palette", "set": {"drawMode": 1}}, POLYGON, {**DRAG, "roi": "input"}], 1, 5,
+     " is still being drawn: end the drawing first."),
     ([SHOW, {"do": "release", "viewer": 0}], 1, 2, "Nothing is being drawn in viewer 0."),
-    ([SHOW, {"do": "dragVertex", "viewer": 0, "roi": "curve", "vertex": 0, "to": [1, 1]}], 1, 2,
-     "The plug-in has no curve."),
+    ([SHOW, DRAG], 1, 2, "The plug-in has no curve."),
     ([SHOW, {"do": "deleteROI", "viewer": 0, "roi": "input"}], 1, 2, "The plug-in takes no annotation as input."),
     ([SHOW, {"do": "deleteROI", "viewer": 0, "id": 5}], 1, 2, "Viewer 0 holds no annotation with the id 5."),
     ([SHOW, {"do": "palette", "press": "close"}], 1, 2, "No palette is open"),
@@ -79,7 +87,7 @@ def main():
         failed += check(play(program, folder, "absent"), 3, ["The script absent cannot be read: check that there is such a file."])
         failed += check(play(program, folder, "text"), 3, ["The script is not JSON"])
         (folder / "script").write_text(json.dumps({"steps": [{"do": "addReport", "path": "lumbar", "file": "text"}]}))
-        failed += check(play(program, folder, "script", "--database", "base"), 1, 
+        failed += check(play(program, folder, "script", "--database", "base"), 1,
                         ["text was not added: it is no DICOM object, or the database holds it already."])
     print(f"{len(ROWS) + 3} refusals, {failed} failed")
     sys.exit(1 if failed else 0)

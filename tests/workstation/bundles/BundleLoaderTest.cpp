@@ -119,6 +119,10 @@ TEST_F(Bundles, AManifestWithoutAnEntryOrWithAWrongTypeIsRefused) {
   const std::string file = (folder / "manifest.json").string();
   write("manifest.json", "[1, 2]");
   EXPECT_EQ(reason(), file + " has no \"name\".");
+  write("manifest.json", R"({"name": "Test", "version": 1})");
+  EXPECT_EQ(reason(), file + " has no \"version\".");
+  write("manifest.json", R"({"name": "Test", "version": "1.0", "contractVersion": 2})");
+  EXPECT_EQ(reason(), file + " has no \"module\".");
   write("manifest.json", R"({"name": "Test", "version": "1.0", "contractVersion": "2", "module": "Test.so"})");
   EXPECT_EQ(reason(), file + " has no number under \"contractVersion\".");
   write("manifest.json", R"({"name": "Test", "version": "1.0", "contractVersion": 2, "module": "Test.so"})");
@@ -172,12 +176,20 @@ TEST_F(Bundles, AModuleThatCannotMakeItsObjectIsRefused) {
   EXPECT_FALSE(moduleIsLoaded());
 }
 
+TEST_F(Bundles, AModuleThatCannotDestroyItsObjectIsRefusedBeforeItMakesOne) {
+  useModule("keeping_module");
+  EXPECT_EQ(reason(), "its module cannot make or destroy a plug-in object.");
+  EXPECT_EQ(told(), "");
+}
+
 TEST_F(Bundles, ABrokenWindowDescriptionIsRefused) {
   const std::string file = (folder / "Resources/Palette.json").string();
   write("Resources/Palette.json", "nonsense");
   EXPECT_EQ(reason(), file + " is not valid JSON.");
   write("Resources/Palette.json", R"({"title": "Palette", "controls": []})");
   EXPECT_EQ(reason(), file + " needs a \"size\" of two numbers above 0.");
+  write("Resources/Palette.json", R"({"size": [1, 2], "controls": {}})");
+  EXPECT_EQ(reason(), file + " needs a list of \"controls\".");
   write("Resources/Palette.json", R"({"size": [1, 2], "controls": [{"kind": "slider"}]})");
   EXPECT_EQ(reason(), file + " has a control of the unknown kind \"slider\".");
 }

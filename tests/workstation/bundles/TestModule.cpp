@@ -9,6 +9,10 @@
 #define MODULE_ENTRY &entry
 #endif
 
+#ifndef MODULE_DESTROY
+#define MODULE_DESTROY &destroy
+#endif
+
 #ifndef MODULE_WITHOUT_ENTRY
 namespace {
 
@@ -43,12 +47,12 @@ pelmar::PluginFilter* create([[maybe_unused]] pelmar::PelmarAPI* api) {
 #endif
 }
 
-void destroy(pelmar::PluginFilter* filter) { delete filter; }
+[[maybe_unused]] void destroy(pelmar::PluginFilter* filter) { delete filter; }
 
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) const pelmar::VertanaBundleEntry* vertana_bundle_entry() {
-  [[maybe_unused]] static constexpr pelmar::VertanaBundleEntry entry{MODULE_CONTRACT, "1.0", &create, &destroy};
+  [[maybe_unused]] static constexpr pelmar::VertanaBundleEntry entry{MODULE_CONTRACT, "1.0", &create, MODULE_DESTROY};
   return MODULE_ENTRY;
 }
 #endif

@@ -281,6 +281,10 @@ TEST_F(DrawingByHand, AVertexIsDraggedInEvenMoves) {
   ASSERT_TRUE(workstation.dragVertex(viewer, *id, 1, {18, 60}, 2));
   EXPECT_EQ(recorder.take(), (Lines{"change", "change", "change mouseUp"}));
   EXPECT_EQ(only()->pointAtIndex(1), (PixelPoint{18, 60}));
+  EXPECT_EQ(workstation.drawLine(viewer, 0, {1, 1}, {1, 50}, 0).problem,
+            "A line is drawn with at least one move of the mouse.");
+  EXPECT_EQ(workstation.dragVertex(viewer, *id, 1, {0, 0}, 0).problem,
+            "A vertex is dragged with at least one move of the mouse.");
   const Outcome wrong = workstation.dragVertex(viewer, *id, 2, {0, 0});
   ASSERT_FALSE(wrong);
   EXPECT_EQ(*wrong.problem, "Annotation " + std::to_string(*id) + " in viewer " + std::to_string(viewer) +

@@ -146,11 +146,14 @@ TEST_F(OwnAnnotations, TextsOfThePluginAreNotThePersonsToMoveOrRewrite) {
 }
 
 TEST_F(OwnAnnotations, AnEmptyTextAndAToolThatIsNoneAreRefused) {
-  EXPECT_FALSE(workstation.addText(viewer, {1, 1}, ""));
+  const std::string noLetter = "A text annotation needs at least one letter.";
+  EXPECT_EQ(workstation.addText(viewer, {1, 1}, "").problem, noLetter);
   EXPECT_FALSE(workstation.addText(99, {1, 1}, "a"));
   const auto written = workstation.addText(viewer, {1, 1}, "a");
-  EXPECT_FALSE(workstation.changeText(viewer, *written, ""));
-  EXPECT_FALSE(workstation.changeText(viewer, *written + 1, "b"));
+  EXPECT_EQ(workstation.changeText(viewer, *written, "").problem, noLetter);
+  EXPECT_EQ(workstation.changeText(viewer, *written + 1, "b").problem,
+            "Viewer " + std::to_string(viewer) + " holds no text of the person's with the id " +
+                std::to_string(*written + 1) + ".");
   for (const long tool : {0L, 7L, 12L, 18L, -1L}) EXPECT_FALSE(workstation.selectRoiTool(viewer, tool)) << tool;
 }
 

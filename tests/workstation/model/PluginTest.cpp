@@ -155,10 +155,11 @@ TEST_F(Plugin, ControlsRunActionsAndSetProperties) {
   EXPECT_TRUE(workstation.pressPalette("reset"));
   EXPECT_TRUE(workstation.pressPalette("reset:"));
   EXPECT_EQ(take(), (Lines{"action reset:", "action reset:"}));
-  EXPECT_FALSE(workstation.pressPalette("nonsense"));
+  EXPECT_EQ(workstation.pressPalette("nonsense").problem, "The palette has no control with the action \"nonsense\".");
   EXPECT_TRUE(workstation.setPaletteValue("value", 5));
   EXPECT_EQ(workstation.paletteValue("value").intValue(), 5);
-  EXPECT_FALSE(workstation.setPaletteValue("nonsense", 5));
+  EXPECT_EQ(workstation.setPaletteValue("nonsense", 5).problem,
+            "The palette has no setting \"nonsense\" that takes this value.");
   EXPECT_EQ(workstation.pluginState().dictionary()->at("value").intValue(), 5);
 }
 

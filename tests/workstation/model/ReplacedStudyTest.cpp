@@ -53,13 +53,15 @@ TEST_F(ReplacedStudy, ThePersonsAnnotationsStayWithTheirSlices) {
 
 TEST_F(ReplacedStudy, IsRefusedWhereAViewerShowsItAndThenNothingHasChanged) {
   const int viewer = *workstation.openViewer({"1.2.3", 0, 0});
-  EXPECT_FALSE(workstation.replaceStudy(grown()));
+  EXPECT_EQ(workstation.replaceStudy(grown()).problem,
+            "The images of the study \"1.2.3\" cannot be taken anew while a viewer shows it: close its viewers first.");
   EXPECT_EQ(numbers(), (std::vector<int>{1, 2}));
   ASSERT_TRUE(workstation.closeViewer(viewer));
-  EXPECT_FALSE(workstation.replaceStudy({})) << "nothing is left";
+  const std::string notTheSame = "A study is only replaced by images of the same one study.";
+  EXPECT_EQ(workstation.replaceStudy({}).problem, notTheSame) << "nothing is left";
   auto another = test::smallStudy();
   for (ImageRecord& image : another) image.studyInstanceUid = "4.5.6";
-  EXPECT_FALSE(workstation.replaceStudy(another)) << "it was never added";
+  EXPECT_EQ(workstation.replaceStudy(another).problem, notTheSame) << "it was never added";
   EXPECT_EQ(numbers(), (std::vector<int>{1, 2}));
 }
 

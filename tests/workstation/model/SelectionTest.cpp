@@ -110,6 +110,11 @@ TEST_F(Selecting, WhatCannotBeSelectedAndWhatOtherSlicesHoldIsPassedOver) {
   press(10, 30);
   EXPECT_FALSE(workstation.holdsAnnotation(viewer));
   release(10, 30);
+  const int id = workstation.annotations(viewer).at(0).id;
+  EXPECT_EQ(workstation.dragVertex(viewer, id, 0, {20, 20}).problem,
+            "Annotation " + std::to_string(id) + " in viewer " + std::to_string(viewer) +
+                " cannot be selected, so its vertices cannot be dragged.");
+  EXPECT_EQ(roi->pointAtIndex(0), (PixelPoint{10, 10}));
   roi->setSelectable(true);
   ASSERT_TRUE(workstation.scroll(viewer, 1));
   press(10, 30);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <limits>
 
 #include "Recorder.h"
 #include "TestImages.h"
@@ -48,10 +49,37 @@ TEST_F(Viewers, AStudyOrStackThatIsNotThereIsRefusedByName) {
   const auto unknown = workstation.openStudy("7");
   ASSERT_FALSE(unknown);
   EXPECT_EQ(unknown.problem, "The study \"7\" cannot be opened: it was not added.");
-  EXPECT_FALSE(workstation.openViewer({"1.2.3", 0, 1}));
+  EXPECT_EQ(workstation.openViewer({"1.2.3", 0, 1}).problem,
+            "There is no stack 1 in series 0 (counted from 0) of the study \"1.2.3\".");
   EXPECT_FALSE(workstation.findStack("1.2.3", 3).has_value());
   EXPECT_EQ(workstation.findStack("1.2.3", 2), axialStack);
   EXPECT_FALSE(workstation.closeViewer(0));
+}
+
+TEST_F(Viewers, WhatNoImageCanBeDoneToIsRefusedAndChangesNothing) {
+  const int viewer = *workstation.openViewer(sagittalStack);
+  const ViewerInfo before = *workstation.viewer(viewer);
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double infinity = std::numeric_limits<double>::infinity();
+  for (const double scale : {0.0, -1.0, nan, infinity}) {
+    EXPECT_EQ(workstation.zoom(viewer, scale).problem, "The zoom of viewer 0 must be a finite number above 0.");
+  }
+  const std::string moved = "The image of viewer 0 can only be moved by finite numbers.";
+  EXPECT_EQ(workstation.pan(viewer, nan, 0).problem, moved);
+  EXPECT_EQ(workstation.pan(viewer, 0, infinity).problem, moved);
+  EXPECT_EQ(workstation.rotate(viewer, nan).problem, "The image of viewer 0 can only be turned by a finite angle.");
+  const std::string tooSmall = "A viewer's window must have a width and a height above 0.";
+  EXPECT_EQ(workstation.setViewerFrame(viewer, {0, 0, 0, 100}).problem, tooSmall);
+  EXPECT_EQ(workstation.setViewerFrame(viewer, {0, 0, 100, nan}).problem, tooSmall);
+  EXPECT_EQ(workstation.chooseMenu(viewer, "Labels").problem,
+            "The menu entry \"Labels\" cannot be chosen: no plug-in is loaded.");
+  const ViewerInfo after = *workstation.viewer(viewer);
+  EXPECT_EQ(after.scale, before.scale);
+  EXPECT_EQ(after.origin.x, before.origin.x);
+  EXPECT_EQ(after.origin.y, before.origin.y);
+  EXPECT_EQ(after.rotationDegrees, before.rotationDegrees);
+  EXPECT_EQ(after.frame.width, before.frame.width);
+  EXPECT_EQ(after.frame.height, before.frame.height);
 }
 
 TEST_F(Viewers, AViewerLeavesTheListBeforeItsClosingIsPostedAndIsStillWholeThen) {

@@ -248,7 +248,19 @@ TEST_F(Recorded, WhatIsDoneToAnnotationsThatNoScriptCanNameIsLeftOut) {
   ASSERT_TRUE(workstation.deleteAnnotation(viewer, id));
   EXPECT_TRUE(recorder.gaps().contains("the deletion of an annotation that the plug-in does not use"));
   EXPECT_EQ(recorder.gaps().size(), 4U);
+  ASSERT_TRUE(workstation.addText(viewer, {50, 40}, "fracture"));
+  EXPECT_TRUE(recorder.gaps().contains("the drawing of a text, an arrow or a point"));
   EXPECT_EQ(steps().size(), written.size() + 1) << "the choice of the tool";
+}
+
+TEST_F(Recorded, AControlOfThePaletteThatNoStepNamesIsLeftOut) {
+  const std::set<std::string> gap{"a control of the palette that scripts do not know"};
+  openSagittal();
+  const auto before = steps();
+  PersonLog& log = recorder;
+  log.palettePressed("measureAgain:");
+  EXPECT_EQ(recorder.gaps(), gap);
+  EXPECT_EQ(steps(), before);
 }
 
 TEST_F(Recorded, SelectingWhatIsSelectedAloneIsNothing) {
