@@ -25,6 +25,11 @@ class Image:
         y = self.top + self.height / 2 + (pixel[1] - (ROWS - 1) / 2) * self.scale
         return math.floor(x), math.floor(y)
 
+    def pixel_at(self, point):
+        """Where in the slice a pointer at this point of the screen is; between pixels, mostly."""
+        return [(point[0] - self.left - self.width / 2) / self.scale + (COLUMNS - 1) / 2,
+                (point[1] - self.top - self.height / 2) / self.scale + (ROWS - 1) / 2]
+
 
 def points_between(start, end, steps=8):
     return [(start[0] + (end[0] - start[0]) * i // steps, start[1] + (end[1] - start[1]) * i // steps)

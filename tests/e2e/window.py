@@ -11,6 +11,8 @@ import shutil
 import sys
 import tempfile
 
+import pydicom
+
 from labelling_window import FRONT_FRAME, Image, is_label, points_between, quit_program
 from program import Checks, Run, phantom, skip
 from screen import Screen, missing_programs
@@ -27,11 +29,11 @@ def play(program, folder, script):
     return run, [json.loads(line) for line in run.out.splitlines()]
 
 
-def scripted(program, study, moved_vertex=None):
+def scripted(program, study, line, moved_vertex=None):
     """The labelling that a session script makes, and the curve after its last step."""
     steps = [{"do": "openViewer", "path": str(study), "series": 1}, {"do": "scroll", "viewer": 0, "slice": SLICE},
              {"do": "menu", "viewer": 0, "title": "Labels"},
-             {"do": "draw", "viewer": 0, "type": "line", "points": LINE}]
+             {"do": "draw", "viewer": 0, "type": "line", "points": line}]
     if moved_vertex:
         steps.append({"do": "dragVertex", "viewer": 0, "roi": "curve", "vertex": 2, "to": moved_vertex})
     steps.append({"do": "dump"})
@@ -43,7 +45,21 @@ def distance_mm(a, b):
     return math.dist(a["point"], b["point"])
 
 
+def check_with_script(checks, hand, script, pixel_mm):
+    """Each plane and each axial slice has the same name; points lie within a pixel of each other."""
+    names = [[plane["name"] for plane in each["intervertebralPlanes"]] for each in (hand, script)]
+    checks.that(names[0] == names[1] and len(names[1]) == 6, f"the hand names the discs as the script does: {names}")
+    levels = [[(one["sop"], one["frame"], one["name"]) for one in each["slices"]] for each in (hand, script)]
+    differing = [pair for pair in zip(*levels) if pair[0] != pair[1]]
+    checks.that(len(levels[0]) == len(levels[1]) > 0 and not differing, f"and the slices: {differing}")
+    checks.that(len({level for _, _, level in levels[1]}) > 6, "which have many names")
+    farthest = max(map(distance_mm, hand["intervertebralPlanes"], script["intervertebralPlanes"]))
+    print(f"the planes' points lie at most {farthest:.2g} mm apart, {farthest / pixel_mm:.2g} pixels")
+    checks.that(farthest <= pixel_mm, f"the planes lie within a pixel of each other, not {farthest} mm apart")
+
+
 def label_by_hand(screen, checks, shots, vertex, target):
+    """The same steps with pointer and keys; the line and the vertex's new place where the pointer really was."""
     frame = screen.until(lambda picture: picture.box_of(FRONT_FRAME))
     checks.that(frame is not None, "a viewer is in front once the study is open")
     frame = screen.settled().box_of(FRONT_FRAME)
@@ -60,7 +76,8 @@ def label_by_hand(screen, checks, shots, vertex, target):
                 and abs(palette[1] - max(corner[1], image.top)) <= 2,
                 f"the palette {palette} lies on the image's first pixel {corner}")
 
-    screen.drag(points_between(image.on_screen(LINE[0]), image.on_screen(LINE[1])))
+    line = [image.on_screen(point) for point in LINE]
+    screen.drag(points_between(*line))
     drawn = screen.settled()
     drawn.save(shots / "3-line.png")
     box = (image.left, image.top, image.left + image.width - 1, image.top + image.height - 1)
@@ -80,6 +97,7 @@ def label_by_hand(screen, checks, shots, vertex, target):
     checks.that(screen.until(lambda _: screen.window("Spine labels") is None), "Done closes the palette")
     screen.settled().save(shots / "6-done.png")
     quit_program(screen)
+    return [image.pixel_at(point) for point in line], image.pixel_at(image.on_screen(target))
 
 
 def check_recording(program, checks, session, study, copy, hand):
@@ -111,12 +129,9 @@ def main():
         study = phantom(program, root / "study", "--region", "lumbar")
         for copy in ("first", "second", "third"):
             shutil.copytree(study, root / copy)
-        run, curve = scripted(program, root / "first")
+        run, curve = scripted(program, root / "first", LINE)
         checks.that(run.status == 0, "the script plays", run)
         vertex = curve[2]
-        target = [vertex[0] + 12, vertex[1]]
-        run, _ = scripted(program, root / "second", target)
-        checks.that(run.status == 0, "the script with the drag plays", run)
 
         environment = dict(os.environ, XDG_CONFIG_HOME=str(root / "config"), XDG_DATA_HOME=str(root / "data"),
                            XDG_RUNTIME_DIR=str(root))
@@ -124,24 +139,17 @@ def main():
         try:
             session = root / "session.json"
             window = screen.start([workstation, "--record", session, study], environment)
-            label_by_hand(screen, checks, shots, vertex, target)
+            line, target = label_by_hand(screen, checks, shots, vertex, [vertex[0] + 12, vertex[1]])
             checks.that(window.wait(60) == 0, "the program ends well")
 
+            run, _ = scripted(program, root / "second", line, target)
+            checks.that(run.status == 0, "the script with the drag plays", run)
             by_hand = Run(program, ["show", study, "--json"])
             by_script = Run(program, ["show", root / "second", "--json"])
             checks.that(by_hand.status == 0 and by_script.status == 0, "both studies hold a labelling", by_hand)
-            hand, script = by_hand.json(), by_script.json()
-            names = [plane["name"] for plane in script["intervertebralPlanes"]]
-            checks.that([plane["name"] for plane in hand["intervertebralPlanes"]] == names and len(names) == 6,
-                        f"the hand names the discs as the script does: {names}", by_hand)
-            farthest = max(map(distance_mm, hand["intervertebralPlanes"], script["intervertebralPlanes"]))
-            print(f"the planes' points lie at most {farthest:.2f} mm apart")
-            # A pixel of the phantom's sagittal slices is 0.875 mm wide; the corner of one is 1.24 mm from its middle.
-            checks.that(farthest < 1.24, f"the planes lie within a pixel of each other, not {farthest} mm apart")
-            levels = [[each["name"] for each in result["slices"]] for result in (hand, script)]
-            differing = sum(a != b for a, b in zip(*levels))
-            checks.that(differing <= len(levels[0]) // 20, f"{differing} of {len(levels[0])} slices differ")
-
+            hand = by_hand.json()
+            header = pydicom.dcmread(study / "SE01" / "IM0001.dcm", stop_before_pixels=True)
+            check_with_script(checks, hand, by_script.json(), min(map(float, header.PixelSpacing)))
             check_recording(program, checks, session, study, root / "third", hand)
 
             window = screen.start([workstation, study], environment)
