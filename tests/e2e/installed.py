@@ -6,6 +6,7 @@ usage: installed.py VERTANA CMAKE BUILD_FOLDER SOURCE_FOLDER
 import configparser
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -28,6 +29,26 @@ def wanted_files(source, build):
         pages = source / "docs" / "manual"
         wanted += WINDOW + [f"{MANUAL}/{path.relative_to(pages)}" for path in pages.rglob("*") if path.is_file()]
     return sorted(wanted)
+
+
+def libraries_needed(file):
+    """The names of the libraries that the system loads with a program, as its dynamic section lists them."""
+    done = subprocess.run(["readelf", "--dynamic", "--wide", file], env=dict(os.environ, LC_ALL="C"), check=True,
+                          capture_output=True, text=True)
+    return re.findall(r"\(NEEDED\)\s+Shared library: \[(.*)\]", done.stdout)
+
+
+def check_libraries(checks, prefix, files):
+    """A server without a desktop has no Qt: the command, and the plug-in that it loads, do without."""
+    for file in ("bin/vertana", "lib/Vertana.plugin/Vertana.so"):
+        needed = libraries_needed(prefix / file)
+        checks.that(any(name.startswith("libstdc++") for name in needed), f"{file} is linked to something: {needed}")
+        checks.that(not [name for name in needed if "qt" in name.lower()], f"{file} needs no Qt: {needed}")
+        done = subprocess.run(["ldd", prefix / file], check=True, capture_output=True, text=True)
+        checks.that("libQt" not in done.stdout, f"nor does what {file} needs: {done.stdout}")
+    if WINDOW[0] in files:
+        needed = libraries_needed(prefix / WINDOW[0])
+        checks.that([name for name in needed if "qt" in name.lower()], f"the window does: {needed}")
 
 
 def check_window(checks, prefix):
@@ -54,6 +75,7 @@ def main():
         checks.that(done.returncode == 0, f"it is installed: {done.stderr}")
         files = sorted(str(path.relative_to(prefix)) for path in prefix.rglob("*") if path.is_file())
         checks.that(files == wanted_files(source, build), f"these files: {files}")
+        check_libraries(checks, prefix, files)
         program = str(prefix / "bin" / "vertana")
         study = top / "study"
         run = Run(program, ["phantom", "--out", study, "--region", "lumbar"])
