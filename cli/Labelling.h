@@ -54,9 +54,6 @@ Expected<Labelling> labelStudy(StudySession& session, const std::string& studyUi
 /// be stored, quitting included, is a Failure.
 Expected<Labelling> labelAndQuit(StudySession& session, const std::string& studyUid, const LabelArguments& arguments);
 
-/// The frame of reference of the labelling that the study holds; empty where it holds none.
-std::string labelledFrameOfReference(StudySession& session, const std::string& studyUid);
-
 /// Prints a caution where axial slices lie in another frame of reference than the labelling. `title` names the study.
 void warnOfOtherFrames(const Labelling& labelling, const std::string& title);
 

@@ -6,6 +6,7 @@
 #include "cli/Labelling.h"
 #include "workstation/dicom/PixelReader.h"
 #include "workstation/render/RenderLoader.h"
+#include "workstation/session/StoredDrawing.h"
 
 namespace cli {
 
@@ -54,7 +55,7 @@ Expected<std::vector<fs::path>> paintStudy(StudySession& session, const std::str
   workstation::PixelReader source;
   workstation::PictureOptions what;
   what.referenceLines = false;  // which viewer is in front means nothing in a batch
-  const auto labelled = labelledFrameOfReference(session, study);
+  const auto labelled = workstation::storedFrameOfReference(session.store(), session.workstation(), study);
   std::vector<fs::path> files;
   ProgressLine progress("Painting");
   std::size_t done = 0;

@@ -4,6 +4,7 @@
 
 #include "cli/Labelling.h"
 #include "cli/PluginFacts.h"
+#include "workstation/session/StoredDrawing.h"
 
 namespace cli {
 
@@ -12,39 +13,6 @@ using workstation::StackId;
 using workstation::Workstation;
 
 namespace {
-
-bool isVertical(const Stack& stack) {
-  return stack.plane == workstation::Plane::sagittal || stack.plane == workstation::Plane::coronal;
-}
-
-bool isOfNamedSeries(const Workstation& workstation, const StackId& id, const workstation::ReportContext& context) {
-  return isVertical(*workstation.stack(id)) && workstation.series(id)->uid == context.verticalSeriesUid;
-}
-
-/// Whether the report says that this stack was drawn on.
-bool isDrawnOn(const Workstation& workstation, const StackId& id, const workstation::ReportContext& context) {
-  return isOfNamedSeries(workstation, id, context) &&
-         workstation.stack(id)->frameOfReferenceUid == context.frameOfReferenceUid;
-}
-
-/// The stack that was drawn on: a vertical one of the series that the report names, in the report's frame of
-/// reference; where that series is gone, the first vertical one, and else the first of all.
-std::optional<StackId> drawnStack(const Workstation& workstation, const std::string& studyUid,
-                                  const workstation::ReportContext& context) {
-  std::optional<StackId> found;
-  int best = -1;
-  for (const auto& id : workstation.stacks(studyUid)) {
-    const int rank = isDrawnOn(workstation, id, context)         ? 3
-                     : isOfNamedSeries(workstation, id, context) ? 2
-                     : isVertical(*workstation.stack(id))        ? 1
-                                                                 : 0;
-    if (rank > best) {
-      best = rank;
-      found = id;
-    }
-  }
-  return found;
-}
 
 /// Distance of a patient position from the plane of a slice, mm.
 double distanceFrom(const workstation::ImageGeometry& slice, const std::array<double, 3>& position) {
@@ -89,15 +57,6 @@ std::vector<LabelledSlice> slicesByLevel(const Workstation& workstation, const s
 
 }  // namespace
 
-std::string labelledFrameOfReference(StudySession& session, const std::string& studyUid) {
-  const auto counting = session.store().counting(studyUid);
-  if (!counting || counting->labelling->isEmpty()) return {};
-  const auto context = session.store().countingContext(studyUid);
-  if (!context.frameOfReferenceUid.empty()) return context.frameOfReferenceUid;
-  const auto vertical = drawnStack(session.workstation(), studyUid, context);
-  return vertical ? session.workstation().stack(*vertical)->frameOfReferenceUid : std::string();
-}
-
 Expected<Labelling> storedLabelling(StudySession& session, const std::string& studyUid) {
   const auto counting = session.store().counting(studyUid);
   const auto none = [&](const std::string& why) {
@@ -106,7 +65,7 @@ Expected<Labelling> storedLabelling(StudySession& session, const std::string& st
   };
   const auto context = session.store().countingContext(studyUid);
   auto& workstation = session.workstation();
-  const auto vertical = drawnStack(workstation, studyUid, context);
+  const auto vertical = workstation::storedDrawnStack(workstation, studyUid, context);
   if (!vertical) return none("");
   // The plug-in takes the study's labelling in as soon as one of its series is shown. It looks also where none counts,
   // so that reports that cannot be read are named.

@@ -75,9 +75,10 @@ std::optional<ShelvedReport> LabellingStore::counting(const std::string& studyUi
 }
 
 ReportContext LabellingStore::countingContext(const std::string& studyUid) const {
+  const std::lock_guard lock(interior_->mutex_);
+  if (const MadeReport* unsaved = interior_->unsaved(studyUid)) return unsaved->context.value_or(ReportContext());
   const auto counts = counting(studyUid);
   if (!counts) return {};
-  const std::lock_guard lock(interior_->mutex_);
   const auto report = interior_->readReport(counts->file);
   return report ? report->context : ReportContext();
 }

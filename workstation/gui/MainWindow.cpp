@@ -8,12 +8,29 @@
 #include <QStatusBar>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <map>
 #include <set>
 
 #include "workstation/gui/SharedPoint.h"
 #include "workstation/model/EventLoop.h"
+#include "workstation/session/StoredDrawing.h"
 
 namespace workstation {
+namespace {
+
+std::vector<std::string> bannersFor(const Stack& shown, const StudyCautions& cautions) {
+  std::vector<std::string> banners;
+  if (cautions.unsaved) banners.emplace_back("The labelling of this study is not saved yet.");
+  if (shown.plane == Plane::axial && !cautions.labelledFrame.empty() &&
+      shown.frameOfReferenceUid != cautions.labelledFrame) {
+    banners.emplace_back(
+        "These slices lie in another frame of reference than the labelling: their levels are not sure.");
+  }
+  return banners;
+}
+
+}  // namespace
 
 MainWindow::MainWindow(Desk& desk, QSettings& settings, std::filesystem::path database)
     : desk_(desk), settings_(settings), database_(std::move(database)), pages_([this](const std::string& sentence) {
@@ -154,25 +171,38 @@ void MainWindow::watchPalette() {
 
 // --- warnings ------------------------------------------------------------------------------------------------------
 
-std::vector<std::string> MainWindow::bannersFor(const ViewerInfo& viewer) {
-  std::vector<std::string> banners;
-  const std::string& study = viewer.stack.studyUid;
-  if (desk_.store().status(study).unsaved) banners.push_back("The labelling of this study is not saved yet.");
-  const Stack* shown = desk_.workstation().stack(viewer.stack);
-  if (!shown || shown->plane != Plane::axial) return banners;
+StudyCautions MainWindow::cautionsFor(const std::string& studyUid) {
+  const Workstation& workstation = desk_.workstation();
+  StudyCautions cautions;
+  cautions.unsaved = desk_.store().status(studyUid).unsaved;
+  const auto stacks = workstation.stacks(studyUid);
   std::set<std::string> frames;
-  for (const StackId& id : desk_.workstation().stacks(study))
-    frames.insert(desk_.workstation().stack(id)->frameOfReferenceUid);
-  if (frames.size() < 2) return banners;
-  const auto context = desk_.workstation().reportContext(study);
-  if (context && !context->sliceLevels.empty() && context->frameOfReferenceUid != shown->frameOfReferenceUid)
-    banners.push_back("These slices lie in another frame of reference than the labelling: their levels are not sure.");
-  return banners;
+  for (const StackId& id : stacks) frames.insert(workstation.stack(id)->frameOfReferenceUid);
+  if (frames.size() < 2) return cautions;  // the report need not be read
+  cautions.labelledFrame = labelledFrameOfReference(desk_.store(), workstation, studyUid);
+  // After a reset the study still holds a labelling, of which nothing is seen.
+  const auto showsLevels = [&](const StackId& id) {
+    const Stack& stack = *workstation.stack(id);
+    if (stack.plane != Plane::axial) return false;
+    for (std::size_t slice = 0; slice < stack.slices.size(); ++slice) {
+      if (workstation.levelOfSlice(id, slice)) return true;
+    }
+    return false;
+  };
+  if (!cautions.labelledFrame.empty() && std::none_of(stacks.begin(), stacks.end(), showsLevels))
+    cautions.labelledFrame.clear();
+  return cautions;
 }
 
 void MainWindow::refreshBanners() {
+  std::map<std::string, StudyCautions> cautions;  // each study is looked at once, for its report may have to be read
   for (const ViewerInfo& viewer : desk_.workstation().viewers()) {
-    if (auto* pane = grid_->pane(viewer.number)) pane->canvas().setBanners(bannersFor(viewer));
+    const std::string& study = viewer.stack.studyUid;
+    auto known = cautions.find(study);
+    if (known == cautions.end()) known = cautions.emplace(study, cautionsFor(study)).first;
+    const Stack* shown = desk_.workstation().stack(viewer.stack);
+    if (auto* pane = grid_->pane(viewer.number); pane && shown)
+      pane->canvas().setBanners(bannersFor(*shown, known->second));
   }
 }
 

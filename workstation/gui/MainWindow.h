@@ -30,6 +30,13 @@ inline constexpr const char* lostLabelling =
     "and "
     "label the study again.";
 
+/// What the viewers of one study warn of.
+struct StudyCautions {
+  bool unsaved = false;  ///< its labelling could not be written yet
+  std::string
+      labelledFrame;  ///< frame of reference UID of the labelling that is seen; empty: it need not be told apart
+};
+
 /// The window: the browser of studies, the viewers, menus and tools. It shows what the model has and passes on what the
 /// person does.
 class MainWindow final : public QMainWindow {
@@ -149,7 +156,7 @@ class MainWindow final : public QMainWindow {
   void scheduleRefresh(bool everything);
   void refreshBanners();
   void watchPalette();
-  std::vector<std::string> bannersFor(const ViewerInfo& viewer);
+  StudyCautions cautionsFor(const std::string& studyUid);
 
   Desk& desk_;
   QSettings& settings_;

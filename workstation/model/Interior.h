@@ -29,8 +29,7 @@ struct Workstation::Interior {
     return host.events().run(operation);
   }
 
-  /// The stack on which the curve in the plug-in's memory lies, or lay until its viewer let go of it, when it is one of
-  /// this study.
+  /// See Workstation::drawnStack.
   std::optional<StackId> drawnStack(const std::string& studyUid) const;
   void rememberDrawnStack();
   /// The study of that stack is replaced by this one.

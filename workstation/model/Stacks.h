@@ -32,6 +32,9 @@ struct Stack {
   long orientationCode = -1;
 };
 
+/// Whether a spine is drawn on slices that lie so.
+inline bool isVertical(const Stack& stack) { return stack.plane == Plane::sagittal || stack.plane == Plane::coronal; }
+
 struct Series {
   std::string uid;
   std::optional<int> number;  ///< Series Number; absent when no image has one

@@ -128,6 +128,9 @@ class Workstation {
   /// The level that the plug-in gives a slice by the planes that it has in memory, whether a viewer shows the slice or
   /// not. Nothing for a slice beyond the ends, one that is not there, and one in colour, which the plug-in never names.
   std::optional<std::string> levelOfSlice(const StackId& id, std::size_t slice) const;
+  /// The stack on which the curve in the plug-in's memory lies, or lay until its viewer let go of it, when it is one of
+  /// this study. Nothing for a labelling that was read from the study: its curve is not stored.
+  std::optional<StackId> drawnStack(const std::string& studyUid) const;
   /// What a report of the labelling in the plug-in's memory tells beyond it: where it was drawn, and every axial slice
   /// that has a level, stacks in order of Series Number. Nothing for a study that was not added or has no vertical
   /// stack.

@@ -6,8 +6,6 @@
 namespace workstation {
 namespace {
 
-bool isVertical(const Stack& stack) { return stack.plane == Plane::sagittal || stack.plane == Plane::coronal; }
-
 /// Frames in an object; those that hold more than one are referenced frame by frame.
 std::map<std::string, int> framesByObject(const Study& study) {
   std::map<std::string, int> frames;
@@ -60,6 +58,10 @@ std::optional<StackId> Workstation::Interior::drawnStack(const std::string& stud
   return stack && stack->studyUid == studyUid ? stack : std::nullopt;
 }
 
+std::optional<StackId> Workstation::drawnStack(const std::string& studyUid) const {
+  return interior_->drawnStack(studyUid);
+}
+
 std::optional<std::string> Workstation::levelOfSlice(const StackId& id, std::size_t slice) const {
   const Stack* found = stack(id);
   if (!interior_->plugin || !found || slice >= found->slices.size() || found->slices[slice].colour) return std::nullopt;
@@ -71,7 +73,7 @@ std::optional<std::string> Workstation::levelOfSlice(const StackId& id, std::siz
 std::optional<ReportContext> Workstation::reportContext(const std::string& studyUid) const {
   const Study* found = study(studyUid);
   if (!found) return std::nullopt;
-  std::optional<StackId> vertical = interior_->drawnStack(studyUid);
+  std::optional<StackId> vertical = drawnStack(studyUid);
   const auto all = stacks(studyUid);
   for (auto id = all.begin(); id != all.end() && !vertical; ++id) {
     if (isVertical(*stack(*id))) vertical = *id;

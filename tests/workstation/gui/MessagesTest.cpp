@@ -29,6 +29,51 @@ class Messages : public WindowTest {
       count += entry.path().extension() == ".dcm";
     return count;
   }
+  /// Adds what the study's series with one number shows as another one, as if it was taken after the patient had left
+  /// the table.
+  void copySeriesToAnotherFrame(int number, int copied) {
+    std::vector<std::filesystem::path> files;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(study())) {
+      if (entry.path().extension() == ".dcm" || entry.path().filename().string().starts_with("IM"))
+        files.push_back(entry.path());
+    }
+    const std::string ending = "." + std::to_string(copied);
+    for (const auto& file : files) {
+      if (onlyImage(file).seriesNumber != number) continue;
+      const auto copy = file.parent_path() / (std::to_string(copied) + file.filename().string());
+      std::filesystem::copy_file(file, copy);
+      edit(copy, [&](DcmDataset& data) {
+        data.putAndInsertString(DCM_FrameOfReferenceUID, "1.2.3.4");
+        data.putAndInsertString(DCM_SeriesNumber, std::to_string(copied).c_str());
+        for (const auto& tag : {DCM_SeriesInstanceUID, DCM_SOPInstanceUID}) {
+          OFString uid;
+          data.findAndGetOFString(tag, uid);
+          data.putAndInsertString(tag, (std::string(uid.c_str()) + ending).c_str());
+        }
+      });
+    }
+  }
+  /// One viewer for each series, and no other one.
+  void showSeries(const std::vector<int>& numbers) {
+    const std::string uid = workstation().viewers()[0].stack.studyUid;
+    while (!workstation().viewers().empty()) window_->closeFrontViewer();
+    for (int number : numbers) window_->openStack(*workstation().findStack(uid, number), true);
+    settle();
+  }
+  int viewerOf(int series) {
+    for (const ViewerInfo& viewer : workstation().viewers()) {
+      if (workstation().series(viewer.stack)->number == series) return viewer.number;
+    }
+    ADD_FAILURE() << "series " << series << " is in no viewer";
+    return -1;
+  }
+  std::vector<int> seriesWithBanner() {
+    std::vector<int> numbers;
+    for (const ViewerInfo& viewer : workstation().viewers()) {
+      if (!canvas(viewer.number).banners().empty()) numbers.push_back(*workstation().series(viewer.stack)->number);
+    }
+    return numbers;
+  }
   bool isTold(const std::string& text) { return messages().find(text) != std::string::npos; }
   QToolButton& dismissButton() {
     for (auto* button : window_->messages().findChildren<QToolButton*>()) {
@@ -228,6 +273,41 @@ TEST_F(Messages, AxialSlicesInAnotherFrameOfReferenceThanTheLabellingSaySo) {
   ASSERT_EQ(canvas(axial).banners().size(), 1U);
   EXPECT_NE(canvas(axial).banners()[0].find("another frame of reference"), std::string::npos);
   EXPECT_TRUE(canvas(sagittalViewer()).banners().empty());
+}
+
+TEST_F(Messages, TheFrameOfReferenceThatCountsIsTheOneThatWasDrawnInAlsoWhenTheCurveIsGone) {
+  copySeriesToAnotherFrame(1, 9);  // sagittal
+  copySeriesToAnotherFrame(3, 4);  // axial
+  openStudy();
+  showSeries({1, 9, 3, 4});
+  ASSERT_TRUE(workstation().bringToFront(viewerOf(9)));
+  window_->chooseMenu("Labels");
+  drag(viewerOf(9), spineTop, spineEnd);
+  EXPECT_EQ(seriesWithBanner(), std::vector<int>{3}) << "the curve is in memory";
+  window_->palette().button("stopWorkFlow:")->click();
+  settle();
+  EXPECT_EQ(seriesWithBanner(), std::vector<int>{3}) << "only what is stored tells where it was drawn";
+  restart();
+  openStudy();
+  showSeries({1, 9, 3, 4});
+  EXPECT_EQ(seriesWithBanner(), std::vector<int>{3});
+}
+
+TEST_F(Messages, TheFrameOfReferenceOfALabellingThatCouldNotBeSavedIsKnownAllTheSame) {
+  copySeriesToAnotherFrame(1, 9);
+  copySeriesToAnotherFrame(3, 4);
+  openStudy();
+  showSeries({1, 9, 3, 4});
+  ASSERT_TRUE(workstation().bringToFront(viewerOf(9)));
+  window_->chooseMenu("Labels");
+  desk_->store().setFailing(true);
+  drag(viewerOf(9), spineTop, spineEnd);
+  window_->palette().button("stopWorkFlow:")->click();
+  settle();
+  ASSERT_TRUE(desk_->store().status(workstation().viewers()[0].stack.studyUid).unsaved);
+  for (int series : {9, 4}) EXPECT_EQ(canvas(viewerOf(series)).banners().size(), 1U) << "not saved";
+  EXPECT_EQ(canvas(viewerOf(3)).banners().size(), 2U);
+  desk_->store().setFailing(false);
 }
 
 }  // namespace
