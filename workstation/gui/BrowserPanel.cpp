@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QMenu>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "workstation/gui/StackTitle.h"
 #include "workstation/gui/Thumbnail.h"
@@ -174,7 +175,7 @@ void BrowserPanel::opened(QTreeWidgetItem* item) {
     if (hooks_.openStack) hooks_.openStack(*stack, false);
   } else if (item->data(0, studyRole).isValid()) {
     item->setExpanded(true);
-    if (hooks_.openStudy) hooks_.openStudy(item->data(0, studyRole).toString().toStdString());
+    openStudy(item->data(0, studyRole).toString().toStdString());
   } else {
     item->setExpanded(!item->isExpanded());
   }
@@ -184,15 +185,39 @@ void BrowserPanel::showMenu(QPoint at) {
   // Asked for by a key, it is for the item that is chosen, wherever that lies.
   auto* item = tree_->hasFocus() && tree_->currentItem() ? tree_->currentItem() : tree_->itemAt(at);
   if (!item || !item->data(0, studyRole).isValid()) return;
-  QMenu menu(this);
+  // The list may be filled anew while the menu is open: what an import brings also gives stacks other ids.
+  const std::string study = item->data(0, studyRole).toString().toStdString();
   const auto stack = stackOf(*item);
-  menu.addAction(stack ? "Show in the front viewer" : "Open study", this, [this, item] { opened(item); });
-  if (stack) {
-    menu.addAction("Show in a new viewer", this, [this, id = *stack] {
-      if (hooks_.openStack) hooks_.openStack(id, true);
-    });
+  const Stack* shown = stack ? desk_.workstation().stack(*stack) : nullptr;
+  QMenu menu(this);
+  if (!shown) {
+    menu.addAction("Open study", this, [this, study] { openStudy(study); });
+  } else {
+    const auto show = [this, study, slice = shown->slices.front()](bool inNewViewer) {
+      openStackWith(study, slice, inNewViewer);
+    };
+    menu.addAction("Show in the front viewer", this, [show] { show(false); });
+    menu.addAction("Show in a new viewer", this, [show] { show(true); });
   }
   menu.exec(tree_->viewport()->mapToGlobal(at));
+}
+
+void BrowserPanel::openStudy(const std::string& studyUid) {
+  if (hooks_.openStudy) hooks_.openStudy(studyUid);
+}
+
+void BrowserPanel::openStackWith(const std::string& studyUid, const ImageRecord& slice, bool inNewViewer) {
+  for (const StackId& id : desk_.workstation().stacks(studyUid)) {
+    const auto& slices = desk_.workstation().stack(id)->slices;
+    const bool holdsIt = std::any_of(slices.begin(), slices.end(), [&](const ImageRecord& one) {
+      return one.sopInstanceUid == slice.sopInstanceUid && one.frame == slice.frame;
+    });
+    if (!holdsIt) continue;
+    if (hooks_.openStack) hooks_.openStack(id, inNewViewer);
+    return;
+  }
+  if (hooks_.tell)
+    hooks_.tell("The series was not shown, because its files are no longer where they were: put them back.");
 }
 
 // --- pictures ------------------------------------------------------------------------------------------------------

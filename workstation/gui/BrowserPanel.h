@@ -27,6 +27,7 @@ class BrowserPanel final : public QWidget {
     std::function<void(const std::string& studyUid)> openStudy;
     std::function<void(const StackId& id, bool inNewViewer)> openStack;
     std::function<void()> cancelled;
+    std::function<void(const std::string& sentence)> tell;
   };
 
   /// The desk must outlive the panel.
@@ -53,6 +54,9 @@ class BrowserPanel final : public QWidget {
   void fillStudy(QTreeWidgetItem& item);
   void opened(QTreeWidgetItem* item);
   void showMenu(QPoint at);
+  void openStudy(const std::string& studyUid);
+  /// Opens the stack that holds the slice; tells when none does any more.
+  void openStackWith(const std::string& studyUid, const ImageRecord& slice, bool inNewViewer);
   void makeNextThumbnail();
   QIcon thumbnail(const StackId& id);
 

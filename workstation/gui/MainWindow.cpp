@@ -94,6 +94,10 @@ void MainWindow::makeWidgets() {
   browser_ = new BrowserPanel(desk_, dock);
   browser_->hooks().openStudy = [this](const std::string& study) { openStudy(study); };
   browser_->hooks().openStack = [this](const StackId& id, bool fresh) { openStack(id, fresh); };
+  browser_->hooks().tell = [this](const std::string& sentence) {
+    desk_.tell(sentence);
+    scheduleRefresh(false);
+  };
   browser_->hooks().cancelled = [this] {
     if (task_) task_->cancel();
   };

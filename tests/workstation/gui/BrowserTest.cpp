@@ -1,6 +1,8 @@
 // Finding, opening and importing studies.
 #include "workstation/gui/BrowserPanel.h"
 
+#include <QMenu>
+#include <QTimer>
 #include <fstream>
 
 #include "WindowFixture.h"
@@ -19,6 +21,36 @@ class Browser : public WindowTest {
   }
   /// Patients and studies are the first two levels.
   QTreeWidgetItem* studyItem() { return window_->browser().tree().topLevelItem(0)->child(0); }
+  void closeViewers() {
+    while (!workstation().viewers().empty()) window_->closeFrontViewer();
+    settle();
+  }
+  /// Removes the files of a series, which must be in no viewer, and has the window look for them.
+  void removeSeries(int number) {
+    const std::string uid = desk_->folders().studies()[0].studyUid;
+    for (const ImageRecord& image : desk_->folders().images(uid)) {
+      if (image.seriesNumber == number) std::filesystem::remove(image.file);
+    }
+    window_->findChild<QAction*>("lookForFiles")->trigger();
+  }
+  /// Opens the menu of an item, and chooses one of its entries by key after something has happened.
+  void chooseInMenu(QTreeWidgetItem* item, int entry, const std::function<void()>& meanwhile) {
+    auto& tree = window_->browser().tree();
+    tree.setCurrentItem(item);
+    bool isChosen = false;
+    QTimer::singleShot(0, [&] {
+      auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+      ASSERT_NE(menu, nullptr);
+      meanwhile();
+      menu->setActiveAction(menu->actions().at(entry));
+      QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+      QApplication::sendEvent(menu, &enter);
+      isChosen = true;
+    });
+    emit tree.customContextMenuRequested(tree.visualItemRect(item).center());
+    settle();
+    EXPECT_TRUE(isChosen);
+  }
   std::size_t filesIn(const std::filesystem::path& folder) {
     std::size_t count = 0;
     std::error_code error;
@@ -111,6 +143,35 @@ TEST_F(Browser, AStudyIsMarkedOnceItHoldsALabelling) {
   window_->palette().button("stopWorkFlow:")->click();
   settle();
   EXPECT_TRUE(studyItem()->text(0).contains("Labelled"));
+}
+
+TEST_F(Browser, TheMenuOpensTheStudyThatItWasAskedForAlsoWhenTheListHasChangedMeanwhile) {
+  openStudy();
+  const std::string uid = workstation().viewers()[0].stack.studyUid;
+  closeViewers();
+  chooseInMenu(studyItem(), 0, [&] { window_->browser().search().setText("no such patient"); });
+  ASSERT_FALSE(workstation().viewers().empty());
+  EXPECT_EQ(workstation().viewers()[0].stack.studyUid, uid);
+}
+
+TEST_F(Browser, TheMenuShowsTheSeriesThatItWasAskedForAlsoWhenOthersHaveGoneMeanwhile) {
+  openStudy();
+  closeViewers();
+  studyItem()->setExpanded(true);
+  ASSERT_EQ(studyItem()->childCount(), 3);
+  chooseInMenu(studyItem()->child(2), 1, [&] { removeSeries(1); });
+  ASSERT_EQ(workstation().viewers().size(), 1U) << messages();
+  EXPECT_EQ(workstation().series(workstation().viewers()[0].stack)->number, 3);
+}
+
+TEST_F(Browser, TheMenuSaysThatTheSeriesHasGoneMeanwhile) {
+  openStudy();
+  closeViewers();
+  studyItem()->setExpanded(true);
+  ASSERT_EQ(studyItem()->childCount(), 3);
+  chooseInMenu(studyItem()->child(0), 0, [&] { removeSeries(1); });
+  EXPECT_TRUE(workstation().viewers().empty());
+  EXPECT_NE(messages().find("The series was not shown"), std::string::npos) << messages();
 }
 
 TEST_F(Browser, ImportCopiesIntoTheDatabaseAndListsTheStudy) {
