@@ -129,7 +129,11 @@ class MainWindow final : public QMainWindow {
   void tellImport(const ImportResult& result);
   /// Names files, each with what became of it and why; of many only the first, and how many more there are.
   void tellUnreadable(const std::vector<UnreadableFile>& files, const std::string& whatBecame);
+  /// Names the series of a study that have slices which cannot be labelled.
+  void tellWithoutGeometry(const std::string& studyUid);
   void closeEveryViewer();
+  /// A study that is in a viewer: what there is to tell of its series is told the first time.
+  void noteShown(const std::string& studyUid);
   void showInViewers(const std::vector<StackId>& stacks);
   void quitModel();
 

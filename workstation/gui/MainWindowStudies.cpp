@@ -15,6 +15,16 @@ namespace {
 /// A folder may hold thousands of files of another kind.
 constexpr std::size_t mostFilesNamed = 20;
 
+std::vector<const ImageRecord*> withoutGeometry(const Series& series) {
+  std::vector<const ImageRecord*> found;
+  for (const Stack& stack : series.stacks) {
+    for (const ImageRecord& slice : stack.slices) {
+      if (!slice.geometryProblem.empty()) found.push_back(&slice);
+    }
+  }
+  return found;
+}
+
 }  // namespace
 
 // --- folders and the database --------------------------------------------------------------------------------------
@@ -187,6 +197,31 @@ void MainWindow::tellUnreadable(const std::vector<UnreadableFile>& files, const 
   }
 }
 
+void MainWindow::tellWithoutGeometry(const std::string& studyUid) {
+  const Study* study = desk_.workstation().study(studyUid);
+  if (!study) return;
+  std::size_t told = 0;
+  std::size_t untold = 0;
+  for (const Series& series : study->series) {
+    const auto bad = withoutGeometry(series);
+    if (bad.empty()) continue;
+    if (told == mostFilesNamed) {
+      ++untold;
+      continue;
+    }
+    ++told;
+    const std::string more =
+        bad.size() == 1 ? ""
+                        : " The same goes for " + countText(bad.size() - 1, "slice", "slices") + " more of its series.";
+    desk_.tell(bad.front()->file.string() + " is shown but cannot be labelled: " + bad.front()->geometryProblem + "." +
+               more);
+  }
+  if (untold > 0) {
+    desk_.tell("The same goes for slices of " + std::to_string(untold) +
+               " series more: \"vertana info\" names all of them.");
+  }
+}
+
 // --- viewers -------------------------------------------------------------------------------------------------------
 
 void MainWindow::closeEveryViewer() {
@@ -196,11 +231,15 @@ void MainWindow::closeEveryViewer() {
     tellIfRefused(desk_.workstation().closeViewer(viewer.number));
 }
 
+void MainWindow::noteShown(const std::string& studyUid) {
+  if (studiesShown_.insert(studyUid).second) tellWithoutGeometry(studyUid);
+}
+
 void MainWindow::showInViewers(const std::vector<StackId>& stacks) {
   Workstation& workstation = desk_.workstation();
   std::optional<int> first;
   for (const StackId& id : stacks) {
-    studiesShown_.insert(id.studyUid);
+    noteShown(id.studyUid);
     const auto opened = workstation.openViewer(id);
     if (!opened) {
       desk_.tell(opened.problem);
@@ -225,7 +264,10 @@ void MainWindow::openStudy(const std::string& studyUid) {
     return scheduleRefresh(false);
   }
   closeEveryViewer();
-  if (desk_.takeChanges(studyUid)) browser_->refill();
+  if (desk_.takeChanges(studyUid)) {
+    browser_->refill();
+    studiesShown_.erase(studyUid);  // what is to be told of its series may be new, too
+  }
   messageBar_->withdraw(studyUid);
   showInViewers(stacksToOpen(desk_.workstation(), studyUid));
   const Study* study = desk_.workstation().study(studyUid);
@@ -235,7 +277,7 @@ void MainWindow::openStudy(const std::string& studyUid) {
 void MainWindow::openStack(const StackId& id, bool inNewViewer) {
   const auto front = desk_.workstation().frontViewer();
   if (inNewViewer || !front) return showInViewers({id});
-  studiesShown_.insert(id.studyUid);
+  noteShown(id.studyUid);
   tellIfRefused(desk_.workstation().switchSeries(*front, id));
   if (auto* pane = grid_->pane(*front)) {
     pane->canvas().look() = {};

@@ -145,6 +145,35 @@ TEST_F(Messages, OfManyFilesThatCannotBeReadTheFirstAreNamedAndTheRestCounted) {
   EXPECT_TRUE(isTold("10 files more")) << messages();
 }
 
+TEST_F(Messages, ASeriesThatIsShownButCannotBeLabelledIsNamedInOneLineTheFirstTime) {
+  openStudy();
+  const auto images = desk_->folders().images(workstation().viewers()[0].stack.studyUid);
+  std::vector<std::filesystem::path> coronal;
+  for (const ImageRecord& image : images) {
+    if (image.seriesNumber == 2) coronal.push_back(image.file);
+  }
+  ASSERT_EQ(coronal.size(), 15U);
+  const auto axial =
+      std::find_if(images.begin(), images.end(), [](const auto& image) { return image.seriesNumber == 3; });
+  window_->close();
+  for (const auto& file : coronal)
+    edit(file, [](DcmDataset& data) { data.putAndInsertString(DCM_PixelSpacing, "0\\0"); });
+  edit(axial->file, [](DcmDataset& data) { data.findAndDeleteElement(DCM_ImageOrientationPatient); });
+  restart();
+  openStudy();
+  const auto sentences = window_->messages().sentences();
+  ASSERT_EQ(sentences.size(), 2) << messages();
+  EXPECT_EQ(sentences[0].toStdString(),
+            coronal.front().string() +
+                " is shown but cannot be labelled: Pixel Spacing is 0. The same goes for 14 "
+                "slices more of its series.");
+  EXPECT_EQ(sentences[1].toStdString(),
+            axial->file.string() + " is shown but cannot be labelled: Image Orientation (Patient) is missing.");
+  window_->messages().dismiss();
+  openStudy();
+  EXPECT_EQ(messages(), "") << "the person knows it";
+}
+
 TEST_F(Messages, AFileThatCannotBeReadIsNamedOnImportAndTheRestIsImported) {
   const auto damaged = study() / "damaged.dcm";
   std::filesystem::copy_file(anyImage(), damaged);
