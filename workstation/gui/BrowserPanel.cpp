@@ -147,7 +147,8 @@ void BrowserPanel::addStudy(const StudyEntry& study, QTreeWidgetItem& patient) {
     item->setText(0, item->text(0) + "\nLabelled");
     QPixmap mark = QPixmap::fromImage(labelledMark(qRound(markSize * devicePixelRatioF())));
     mark.setDevicePixelRatio(devicePixelRatioF());
-    item->setIcon(0, QIcon(mark));
+    // Not as an icon: that of a fine screen would be drawn at the size of its pixels, as the list has room for more.
+    item->setData(0, Qt::DecorationRole, mark);
     item->setToolTip(0, "This study holds a labelling of its spine.");
   }
   item->setChildIndicatorPolicy(study.images > 0 ? QTreeWidgetItem::ShowIndicator : QTreeWidgetItem::DontShowIndicator);

@@ -174,6 +174,28 @@ TEST_F(Browser, TheMenuSaysThatTheSeriesHasGoneMeanwhile) {
   EXPECT_NE(messages().find("The series was not shown"), std::string::npos) << messages();
 }
 
+/// Also run with two pixels a point.
+TEST_F(Browser, TheMarkOfALabelledStudyHasTheSameSizeOnEveryScreen) {
+  openStudy();
+  chooseLabels();
+  drag(sagittalViewer(), spineTop, spineEnd);
+  window_->palette().button("stopWorkFlow:")->click();
+  settle();
+  auto& tree = window_->browser().tree();
+  const QImage list = tree.viewport()->grab(tree.visualItemRect(studyItem())).toImage();
+  EXPECT_EQ(list.devicePixelRatio(), qEnvironmentVariable("QT_SCALE_FACTOR", "1").toDouble());
+  int first = list.width();
+  int last = 0;
+  for (int y = 0; y < list.height(); ++y) {
+    for (int x = 0; x < list.width(); ++x) {
+      if (list.pixel(x, y) != qRgb(126, 190, 120)) continue;
+      first = std::min(first, x);
+      last = std::max(last, x);
+    }
+  }
+  EXPECT_NEAR((last - first + 1) / list.devicePixelRatio(), 2 * 0.28 * 16, 1) << "points: a dot in a mark of 16";
+}
+
 TEST_F(Browser, ImportCopiesIntoTheDatabaseAndListsTheStudy) {
   prompts_.folder = QString::fromStdString(study().string());
   window_->importPaths({study()});
