@@ -48,7 +48,8 @@ class MainWindow final : public QMainWindow {
 
   /// Opens a folder of DICOM files, or one file, where it lies, and its studies in viewers.
   void openFolder(const std::filesystem::path& folder);
-  /// The same with several, one after the other; the viewers show what the last one holds.
+  /// The same with several, one after the other; the viewers show what the last one holds. A name that is no path but
+  /// the UID of a study at hand opens that study.
   void openFolders(std::vector<std::filesystem::path> folders);
   /// Copies files and folders into the database, and shows the studies in the browser.
   void importPaths(const std::vector<std::filesystem::path>& paths);

@@ -83,6 +83,11 @@ void MainWindow::openNextFolder() {
   if (foldersToOpen_.empty()) return;
   const fs::path folder = foldersToOpen_.front();
   foldersToOpen_.erase(foldersToOpen_.begin());
+  std::error_code error;
+  if (!fs::exists(folder, error) && !desk_.folders().placeOf(folder.string()).empty()) {
+    openStudy(folder.string());
+    return openNextFolder();
+  }
   settings_.setValue("folders/last", QString::fromStdString(folder.string()));
   if (desk_.folders().holds(folder)) {
     showOpened(folder);

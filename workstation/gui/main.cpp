@@ -30,7 +30,7 @@ Arguments argumentsOf(const QApplication& application) {
   parser.setApplicationDescription(
       "A workstation for DICOM images that labels spines.\n\n"
       "Each STUDY is a folder of DICOM files, or one file. It is opened where it lies: what is stored goes into that "
-      "folder.");
+      "folder. The UID of a study of the database opens that one.");
   parser.addHelpOption();
   parser.addVersionOption();
   const QCommandLineOption import("import", "Copy the studies into the database instead.");
@@ -39,7 +39,7 @@ Arguments argumentsOf(const QApplication& application) {
   const QCommandLineOption manual("manual", "Print where the manual is, and end.");
   const QCommandLineOption record("record", "Record the session into FILE, for vertana play.", "FILE");
   parser.addOptions({import, database, record, manual});
-  parser.addPositionalArgument("STUDY", "A folder of DICOM files.", "[STUDY...]");
+  parser.addPositionalArgument("STUDY", "A folder of DICOM files, or a study's UID.", "[STUDY...]");
   parser.process(application);
   Arguments arguments;
   for (const QString& study : parser.positionalArguments()) arguments.studies.emplace_back(study.toStdString());

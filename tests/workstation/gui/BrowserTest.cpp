@@ -196,6 +196,17 @@ TEST_F(Browser, TheMarkOfALabelledStudyHasTheSameSizeOnEveryScreen) {
   EXPECT_NEAR((last - first + 1) / list.devicePixelRatio(), 2 * 0.28 * 16, 1) << "points: a dot in a mark of 16";
 }
 
+TEST_F(Browser, AStudyOfTheDatabaseIsOpenedByItsUid) {
+  window_->importPaths({study()});
+  waitForTask();
+  const std::string uid = desk_->folders().studies()[0].studyUid;
+  window_->openFolders({uid, folder_ / "none"});
+  waitForTask();
+  ASSERT_FALSE(workstation().viewers().empty());
+  EXPECT_EQ(workstation().viewers()[0].stack.studyUid, uid);
+  EXPECT_EQ(messages(), (folder_ / "none").string() + " does not exist: give a folder of DICOM files.");
+}
+
 TEST_F(Browser, ImportCopiesIntoTheDatabaseAndListsTheStudy) {
   prompts_.folder = QString::fromStdString(study().string());
   window_->importPaths({study()});
