@@ -36,6 +36,11 @@ Result<StoredReport> LabellingStore::Interior::readReport(const std::filesystem:
   return last ? Result<StoredReport>::of(*std::move(last)) : parts_.readFile(file);
 }
 
+Result<StoredReport> LabellingStore::Interior::readForArchive(const std::filesystem::path& file) const {
+  auto last = shelf_.reportReadLast(file);
+  return last ? Result<StoredReport>::of(*std::move(last)) : parts_.readForArchive(file);
+}
+
 LabellingStore::LabellingStore(ReportShelf& shelf, pelmar::Point3DClass& points, LabellingStoreParts parts)
     : interior_(std::make_unique<Interior>(shelf, points, std::move(parts))) {}
 

@@ -32,13 +32,15 @@ namespace workstation {
 struct LabellingStoreParts {
   std::function<Result<pelmar::Bytes>(const ReportToWrite&)> encode;
   std::function<Result<StoredReport>(const std::filesystem::path&)> readFile;
+  /// The same, but what the content says may be left out where there is an archive.
+  std::function<Result<StoredReport>(const std::filesystem::path&)> readForArchive;
   std::function<Result<StoredReport>(const pelmar::Bytes&)> readBytes;
   std::function<std::string()> freshUid;  ///< a UID that nothing else has
   std::function<std::chrono::system_clock::time_point()> now;
 };
 
-/// DICOM reports, the system's clock, and UIDs under 2.25 that are made at random. The report that was read last is
-/// kept, and is read again only when its file has changed.
+/// DICOM reports, the system's clock, and UIDs under 2.25 that are made at random. The report that was read last in
+/// either way is kept, and is read again only when its file has changed.
 LabellingStoreParts dicomParts();
 
 /// What a study holds, for display.

@@ -35,6 +35,8 @@ class LabellingStore::Interior {
 
   /// The report in a file, which the shelf may have read already.
   Result<StoredReport> readReport(const std::filesystem::path& file) const;
+  /// The same for whom the archive is enough, where there is one.
+  Result<StoredReport> readForArchive(const std::filesystem::path& file) const;
 
   // --- the plug-in's files (LabellingStoreReports.cpp) -------------------------------------------------------------
   std::optional<std::string> handOutPath(const std::string& studyUid, std::string_view extension);

@@ -101,7 +101,7 @@ class Annotations final : public pelmar::SRAnnotationClass {
   Ref<pelmar::SRAnnotation> initWithContentsOfFile(const std::string& path) override {
     const std::lock_guard lock(store_.mutex_);
     if (const MadeReport* report = store_.inMemory(path)) return pelmar::makeRef<ReadReport>(report->archive);
-    const auto report = store_.readReport(path);
+    const auto report = store_.readForArchive(path);
     if (!report) return {};
     store_.hasRead(*report);
     return pelmar::makeRef<ReadReport>(store_.archiveOf(*report, path));

@@ -7,9 +7,15 @@
 namespace workstation {
 
 LabellingStoreParts dicomParts() {
+  const auto remembering = [](LastReport::Reading reading) {
+    return
+        [last = std::make_shared<LastReport>(reading)](const std::filesystem::path& file) { return last->read(file); };
+  };
   return {&encodeReport,
-          [last = std::make_shared<LastReport>()](const std::filesystem::path& file) { return last->read(file); },
-          [](const pelmar::Bytes& file) { return readReport(file); }, &freshUid,
+          remembering(&readReport),
+          remembering(&readReportForArchive),
+          [](const pelmar::Bytes& file) { return readReport(file); },
+          &freshUid,
           [] { return std::chrono::system_clock::now(); }};
 }
 

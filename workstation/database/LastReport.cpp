@@ -9,7 +9,7 @@ namespace fs = std::filesystem;
 Result<StoredReport> LastReport::read(const fs::path& file) {
   if (auto last = find(file)) return Result<StoredReport>::of(*std::move(last));
   const auto began = Clock::now();
-  auto report = readReport(file);
+  auto report = reading_(file);
   if (report) keep(file, *report, began);
   return report;
 }

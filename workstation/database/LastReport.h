@@ -19,7 +19,11 @@ class LastReport {
  public:
   using Clock = std::chrono::system_clock;
 
-  /// As readReport; what is kept is not read again.
+  using Reading = Result<StoredReport> (*)(const std::filesystem::path& file);
+
+  explicit LastReport(Reading reading = &readReport) : reading_(reading) {}
+
+  /// As `reading`; what is kept is not read again.
   Result<StoredReport> read(const std::filesystem::path& file);
   /// Keeps the report that was read from the file, if nothing has happened to the file since `began`, when the reading
   /// had not begun yet.
@@ -40,6 +44,7 @@ class LastReport {
 
   static std::optional<FileState> stateOf(const std::filesystem::path& file);
 
+  Reading reading_;
   std::filesystem::path file_;
   std::optional<FileState> state_;  ///< there where a report is
   std::optional<StoredReport> report_;

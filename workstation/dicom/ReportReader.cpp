@@ -1,7 +1,10 @@
 #include <dcmtk/config/osconfig.h>
 #include <dcmtk/dcmdata/dctk.h>
 
+#include <fstream>
+
 #include "workstation/dicom/Attributes.h"
+#include "workstation/dicom/ContentSkip.h"
 #include "workstation/dicom/LabellingReport.h"
 #include "workstation/dicom/ParsedObjects.h"
 #include "workstation/dicom/PrivateBlock.h"
@@ -66,6 +69,15 @@ Result<StoredReport> headerIn(ParsedFile& file) {
   return Result<StoredReport>::of(std::move(report));
 }
 
+/// Empty when it cannot be read.
+pelmar::Bytes contentOf(const std::filesystem::path& file, std::uintmax_t length) {
+  pelmar::Bytes bytes(static_cast<std::size_t>(length));
+  std::ifstream stream(file, std::ios::binary);
+  const bool isRead =
+      static_cast<bool>(stream.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size())));
+  return isRead ? bytes : pelmar::Bytes();
+}
+
 }  // namespace
 
 Result<StoredReport> reportIn(ParsedFile& file, std::uintmax_t length) {
@@ -97,6 +109,19 @@ Result<StoredReport> readReport(const pelmar::Bytes& file) {
   std::string problem;
   if (!parsed.parse(file, problem)) return Result<StoredReport>::refused(problem);
   return reportIn(parsed, file.size());
+}
+
+Result<StoredReport> readReportForArchive(const std::filesystem::path& file) {
+  std::error_code error;
+  const std::uintmax_t length = std::filesystem::file_size(file, error);
+  if (error || length > longestReport) return readReport(file);
+  const auto bare = withoutContent(contentOf(file, length));
+  ParsedFile parsed;
+  std::string problem;
+  if (!bare || !parsed.parse(*bare, problem)) return readReport(file);
+  Result<StoredReport> report = headerIn(parsed);
+  if (report) report->archive = archiveIn(parsed.dataset());
+  return report && !report->archive.empty() ? report : readReport(file);
 }
 
 Result<StoredReport> readReportHeader(const std::filesystem::path& file) {

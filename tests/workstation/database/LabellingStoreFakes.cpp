@@ -57,6 +57,7 @@ LabellingStoreParts FakeShelf::parts() {
     }
     return Result<StoredReport>::refused("there is no such report");
   };
+  parts.readForArchive = parts.readFile;
   parts.freshUid = [this] { return "2.25." + std::to_string(++uids); };
   parts.now = [this] { return now; };
   return parts;
