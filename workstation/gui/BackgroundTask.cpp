@@ -3,7 +3,8 @@
 namespace workstation {
 namespace {
 
-constexpr int lookEveryMs = 40;
+/// A folder whose index is in place is read in less than a tenth of a second, and its first image waits for this.
+constexpr int lookEveryMs = 4;
 
 }  // namespace
 

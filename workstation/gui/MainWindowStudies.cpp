@@ -264,12 +264,13 @@ void MainWindow::showInViewers(const std::vector<StackId>& stacks) {
 }
 
 void MainWindow::openStudy(const std::string& studyUid) {
+  const bool wasKnown = desk_.workstation().study(studyUid) != nullptr;
   if (const Outcome added = desk_.addStudy(studyUid); !added) {
     desk_.tell(*added.problem);
     return scheduleRefresh(false);
   }
   closeEveryViewer();
-  if (desk_.takeChanges(studyUid)) {
+  if (wasKnown && desk_.takeChanges(studyUid)) {
     browser_->refill();
     studiesShown_.erase(studyUid);  // what is to be told of its series may be new, too
   }
