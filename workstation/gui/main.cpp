@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "workstation/gui/CacheSetting.h"
 #include "workstation/gui/MainWindow.h"
 #include "workstation/gui/PageOpener.h"
 #include "workstation/gui/Theme.h"
@@ -70,11 +71,11 @@ int main(int count, char** values) {
   const QRect screen = QGuiApplication::primaryScreen()->geometry();
   options.screenWidth = screen.width();
   options.screenHeight = screen.height();
-  options.cacheBytes = static_cast<std::size_t>(
-      settings.value("cache/bytes", static_cast<qulonglong>(workstation::PixelCache::defaultCapacityBytes))
-          .toULongLong());
+  const workstation::CacheSetting cache = workstation::cacheSetting(settings);
+  options.cacheBytes = cache.bytes;
   workstation::WidgetPrompts prompts;
   workstation::Desk desk(options, prompts);
+  if (!cache.problem.empty()) desk.tell(cache.problem);
   workstation::MainWindow window(desk, settings, arguments.database);
   prompts.setParent(&window);
   window.show();
