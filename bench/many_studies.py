@@ -15,6 +15,8 @@ import time
 
 import pydicom
 
+from processes import highest_memory
+
 MOST_SECONDS = 20
 MOST_BYTES = 300 * 10**6
 FEW = 100  # memory is compared with that for so many
@@ -80,17 +82,6 @@ def processes_of(parent):
         yield from map(int, pathlib.Path(f"/proc/{parent}/task/{parent}/children").read_text().split())
     except OSError:  # it has just ended
         return
-
-
-def highest_memory(process):
-    """The most that the process has ever had in memory, bytes."""
-    try:
-        for line in pathlib.Path(f"/proc/{process}/status").read_text().splitlines():
-            if line.startswith("VmHWM:"):
-                return int(line.split()[1]) * 1024
-    except OSError:
-        pass
-    return 0
 
 
 def processor_seconds():

@@ -13,16 +13,32 @@ def missing_programs():
     return [name for name in ("Xvfb", "xdotool") if not shutil.which(name)]
 
 
+class Layout:
+    """Where a screen's dump holds its pixels: four bytes each, blue, green, red and one that says nothing."""
+
+    def __init__(self, dump):
+        header = struct.unpack(">25I", dump[:100])
+        self.width, self.height, self.stride = header[4], header[5], header[12]
+        self.start = header[0] + header[19] * 12
+
+    def place_of(self, x, y):
+        return self.start + y * self.stride + 4 * x
+
+    def point_at(self, place):
+        y, x = divmod(place - self.start, self.stride)
+        return x // 4, y
+
+
 class Picture:
     """What a screen shows: rows of (red, green, blue) bytes."""
 
     def __init__(self, dump):
-        header = struct.unpack(">25I", dump[:100])
-        self.width, self.height, stride = header[4], header[5], header[12]
-        start = header[0] + header[19] * 12
+        layout = Layout(dump)
+        self.width, self.height = layout.width, layout.height
         self.rows = []
         for y in range(self.height):
-            line = dump[start + y * stride:start + y * stride + self.width * 4]
+            start = layout.place_of(0, y)
+            line = dump[start:start + self.width * 4]
             row = bytearray(self.width * 3)
             row[0::3], row[1::3], row[2::3] = line[2::4], line[1::4], line[0::4]
             self.rows.append(bytes(row))
