@@ -7,13 +7,17 @@
 #include <string>
 #include <string_view>
 
+#include "workstation/dicom/Padding.h"
+
 namespace workstation {
 namespace {
 
-constexpr std::size_t preambleLength = 128;
-constexpr std::string_view prefix = "DICM";
+/// Before the meta information (PS3.10 7.1).
+constexpr std::size_t signatureAt = 128;
+constexpr std::string_view signature = "DICM";
 constexpr std::string_view explicitLittleEndian = "1.2.840.10008.1.2.1";
 
+namespace tags {
 constexpr std::uint32_t transferSyntax = 0x00020010;
 constexpr std::uint32_t lastOfMetaInformation = 0x0002FFFF;
 constexpr std::uint32_t evidence = 0x0040A375;  ///< Current Requested Procedure Evidence Sequence
@@ -21,6 +25,7 @@ constexpr std::uint32_t content = 0x0040A730;   ///< Content Sequence
 constexpr std::uint32_t item = 0xFFFEE000;
 constexpr std::uint32_t itemEnd = 0xFFFEE00D;
 constexpr std::uint32_t sequenceEnd = 0xFFFEE0DD;
+}  // namespace tags
 
 constexpr std::uint32_t undefinedLength = 0xFFFFFFFF;
 constexpr int deepestNesting = 64;
@@ -103,15 +108,15 @@ class ElementWalk {
   bool skipItems(int depth) {
     if (depth > deepestNesting) return false;
     for (auto next = itemHeader(); next; next = itemHeader()) {
-      if (next->tag == sequenceEnd) return next->length == 0;
-      if (next->tag != item) return false;
+      if (next->tag == tags::sequenceEnd) return next->length == 0;
+      if (next->tag != tags::item) return false;
       if (next->length == undefinedLength ? !skipElements(depth) : !skip(next->length)) return false;
     }
     return false;
   }
   /// Up to the end of an item of undefined length.
   bool skipElements(int depth) {
-    while (tagHere() != itemEnd) {
+    while (tagHere() != tags::itemEnd) {
       const auto element = header();
       if (!element || !skipValue(*element, depth + 1)) return false;
     }
@@ -122,28 +127,23 @@ class ElementWalk {
   std::size_t at_;
 };
 
-std::string_view withoutPadding(std::string_view uid) {
-  while (!uid.empty() && uid.back() == '\0') uid.remove_suffix(1);
-  return uid;
-}
-
 }  // namespace
 
 std::optional<pelmar::Bytes> withoutContent(const pelmar::Bytes& file) {
-  const std::size_t start = preambleLength + prefix.size();
+  const std::size_t start = signatureAt + signature.size();
   ElementWalk walk(file, start);
-  if (file.size() < start || walk.text(preambleLength, start) != prefix) return std::nullopt;
+  if (file.size() < start || walk.text(signatureAt, start) != signature) return std::nullopt;
   pelmar::Bytes kept(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(start));
   bool isExplicit = false;
   while (!walk.isAtEnd()) {
     const std::size_t begin = walk.place();
     const auto element = walk.header();
     const std::size_t value = walk.place();
-    if (!element || (element->tag > lastOfMetaInformation && !isExplicit) || !walk.skipValue(*element))
+    if (!element || (element->tag > tags::lastOfMetaInformation && !isExplicit) || !walk.skipValue(*element))
       return std::nullopt;
-    if (element->tag == transferSyntax)
+    if (element->tag == tags::transferSyntax)
       isExplicit = withoutPadding(walk.text(value, walk.place())) == explicitLittleEndian;
-    if (element->tag == content || element->tag == evidence) continue;
+    if (element->tag == tags::content || element->tag == tags::evidence) continue;
     kept.insert(kept.end(), file.begin() + static_cast<std::ptrdiff_t>(begin),
                 file.begin() + static_cast<std::ptrdiff_t>(walk.place()));
   }
