@@ -23,7 +23,7 @@ class PluginFilter {
   /// `menuName`: title of the chosen menu entry. 0 on success.
   virtual long filterImage(const std::string& /*menuName*/) { return 0; }
   /// Unregisters the object from everything; called once, last.
-  virtual void dealloc() { commandViewer_ = nullptr; }
+  virtual void dealloc() { viewerController_ = nullptr; }
 
   /// The plug-in's state as a dictionary, for logs and tests. Reading it computes and changes nothing.
   virtual Value stateSnapshot() const { return {}; }
@@ -38,15 +38,15 @@ class PluginFilter {
   std::vector<Ref<ViewerController>> viewerControllersList() const { return api_.viewerControllersList(); }
 
   /// The viewer from which the menu command came; the host sets it before filterImage. Not kept alive.
-  Ref<ViewerController> commandViewerController() const { return commandViewer_.lock(); }
-  void setCommandViewerController(const Ref<ViewerController>& viewer) { commandViewer_ = viewer; }
+  Ref<ViewerController> viewerController() const { return viewerController_.lock(); }
+  void setViewerController(const Ref<ViewerController>& viewer) { viewerController_ = viewer; }
 
  protected:
   PelmarAPI& api() const { return api_; }
 
  private:
   PelmarAPI& api_;
-  WeakRef<ViewerController> commandViewer_;
+  WeakRef<ViewerController> viewerController_;
 };
 
 }  // namespace pelmar

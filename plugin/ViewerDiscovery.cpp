@@ -58,7 +58,7 @@ Ref<ViewerController> VertanaFilter::verticalViewerController() const {
 
 Ref<ViewerController> VertanaFilter::viewerController() const {
   if (auto viewer = verticalViewerController()) return viewer;
-  return commandViewerController();
+  return PluginFilter::viewerController();
 }
 
 }  // namespace vertana

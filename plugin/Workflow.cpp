@@ -13,7 +13,7 @@ long VertanaFilter::filterImage(const std::string& menuName) try {
     return 0;
   }
   closePalette();
-  adoptStudy(commandViewerController()->currentStudy());
+  adoptStudy(PluginFilter::viewerController()->currentStudy());
   setWorkflow(-1);
   setAdditionalVertebra(false);
 

@@ -100,7 +100,7 @@ TEST(Dealloc, unregistersAndLetsGoOfStudyCurvePlanesAndState) {
   const auto viewer = host.addViewer(study, sagittalSeries(3));
   vertana::VertanaFilter filter(host);
   filter.initPlugin();
-  filter.setCommandViewerController(viewer);
+  filter.setViewerController(viewer);
   filter.filterImage("Labels");
   filter.setOpenPolygonROI(host.addROI(10, viewer, 0, {{0, 0}, {0, 9}}));
   ASSERT_TRUE(filter.intervertebralPlanes());
@@ -115,7 +115,7 @@ TEST(Dealloc, unregistersAndLetsGoOfStudyCurvePlanesAndState) {
   EXPECT_FALSE(filter.openPolygonROI());
   EXPECT_FALSE(filter.intervertebralPlanes());
   EXPECT_FALSE(filter.savedDictionary());
-  EXPECT_FALSE(filter.commandViewerController()) << "the base class's clean-up";
+  EXPECT_FALSE(filter.PluginFilter::viewerController()) << "the base class's clean-up";
 }
 
 TEST(Dealloc, touchesNeitherPaletteNorInputNorTools) {
@@ -123,7 +123,7 @@ TEST(Dealloc, touchesNeitherPaletteNorInputNorTools) {
   const auto viewer = host.addViewer(host.addStudy("1.2.3", "MRI SPINE"), sagittalSeries(3));
   vertana::VertanaFilter filter(host);
   filter.initPlugin();
-  filter.setCommandViewerController(viewer);
+  filter.setViewerController(viewer);
   filter.filterImage("Labels");
   const auto line = host.addROI(5, viewer, 0, {{0, 0}, {9, 9}});
   filter.setInputLengthROI(line);

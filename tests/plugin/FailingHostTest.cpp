@@ -56,7 +56,7 @@ struct Session {
 
   Session() {
     filter->initPlugin();
-    filter->setCommandViewerController(sagittal);
+    filter->setViewerController(sagittal);
     filter->filterImage("Labels");
     drawLine();
   }
@@ -155,7 +155,7 @@ TEST(FailingPanel, letsNothingOutOfTheMenuCommand) {
   const auto axial = host.addViewer(host.addStudy("1.2.3", "MRI SPINE"), axialSeries(3));
   host.alerts.whileShown = [] { throw std::runtime_error("no panel"); };
   vertana::VertanaFilter filter(host);
-  filter.setCommandViewerController(axial);
+  filter.setViewerController(axial);
   EXPECT_NO_THROW(EXPECT_EQ(filter.filterImage("Labels"), 0)) << "the refusal";
   host.version = "8.5";
   EXPECT_NO_THROW(EXPECT_EQ(filter.filterImage("Labels"), 0)) << "the requirements";

@@ -35,7 +35,7 @@ class LabellingFixture : public ::testing::Test {
 
   /// Chooses a menu entry on a viewer.
   long choose(const std::string& entry, const pelmar::Ref<TestViewer>& viewer) {
-    filter.setCommandViewerController(viewer);
+    filter.setViewerController(viewer);
     return filter.filterImage(entry);
   }
   void chooseLabels() { choose("Labels", sagittal); }

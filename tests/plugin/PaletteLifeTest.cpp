@@ -53,7 +53,7 @@ TEST(PaletteLeftOpen, closesWithThePluginAndCallsItNoMore) {
   const auto viewer = host.addViewer(study, sagittalSeries(3));
   auto filter = std::make_unique<vertana::VertanaFilter>(host);
   filter->initPlugin();
-  filter->setCommandViewerController(viewer);
+  filter->setViewerController(viewer);
   filter->filterImage("Labels");
   filter->dealloc();
   const auto window = host.windows.newest();

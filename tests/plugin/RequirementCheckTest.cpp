@@ -193,7 +193,7 @@ TEST_F(RequirementCheck, everyMenuCommandOnAnUnfitHostAlertsAndDoesNothingElse) 
   const auto viewer = host.addViewer(host.addStudy("1.2.3", "MRI SPINE"), sagittalSeries(3));
   filter.initPlugin();
   EXPECT_TRUE(host.center.observedNames().empty());
-  filter.setCommandViewerController(viewer);
+  filter.setViewerController(viewer);
   host.calls.clear();
   EXPECT_EQ(filter.filterImage("Labels"), 0);
   EXPECT_EQ(filter.filterImage("Other"), 0);

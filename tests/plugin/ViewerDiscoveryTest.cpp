@@ -179,7 +179,7 @@ TEST_F(Viewers, verticalViewerStaysTheCurvesEvenWhenItWouldNoLongerBeChosen) {
 
 TEST_F(Viewers, viewerControllerFallsBackToTheMenuCommands) {
   const auto axial = open(4, study);
-  filter.setCommandViewerController(axial);
+  filter.setViewerController(axial);
   filter.setStudy(study);
   EXPECT_TRUE(filter.viewerController() == axial);
   const auto sagittal = open(0, study);

@@ -129,7 +129,7 @@ TEST_F(RegionGuessing, theBodyPartIsThatOfTheImageShown) {
 TEST_F(RegionGuessing, theVerticalViewerComesBeforeTheOneOfTheCommand) {
   const auto axial = addAxial(study);
   axial->images[static_cast<std::size_t>(axial->view->current)]->bodyPart = "CHEST";
-  filter.setCommandViewerController(axial);
+  filter.setViewerController(axial);
   EXPECT_EQ(guessForBodyPart("LSPINE"), 2);
   host.closeViewer(sagittal);
   EXPECT_EQ(filter.guessedAnatomicalRegion(), 1) << "no vertical viewer is left";

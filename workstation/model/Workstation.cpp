@@ -64,7 +64,7 @@ Outcome Workstation::chooseMenu(int viewer, const std::string& title) {
     interior_->host.bringToFront(chosen);
     interior_->host.palettes().setCommandStudy(chosen->stackId().studyUid);
     pelmar::PluginFilter& filter = interior_->plugin->filter();
-    filter.setCommandViewerController(pelmar::Ref<pelmar::ViewerController>(chosen));
+    filter.setViewerController(pelmar::Ref<pelmar::ViewerController>(chosen));
     filter.filterImage(title);
     interior_->host.log().menuChosen(viewer, title);
     return Outcome::done();

@@ -24,7 +24,7 @@ class FakePlugin final : public pelmar::PluginFilter, public pelmar::WindowOwner
   long filterImage(const std::string& menuName) override {
     lines.push_back("menu " + menuName);
     expectEvent();
-    fromViewer = commandViewerController();
+    fromViewer = viewerController();
     window = api().windowServices().loadWindow("Palette", *this);
     api().windowServices().setDelegate(window, this);
     window->setFrameOrigin({50, 60});
