@@ -8,7 +8,8 @@
 
 namespace vertana {
 
-/// Terms of one region, -1 to 2 (see spine/Catalogue.h), in no particular order.
+/// Terms of one region (AnatomicalRegion), without duplicates. Learnt ones are in no particular order, built-in ones in
+/// that in which they are looked for.
 struct CustomTermRecord {
   long anatomicalRegion = -1;
   std::vector<std::string> terms;
