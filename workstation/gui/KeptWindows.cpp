@@ -28,7 +28,9 @@ std::vector<WindowSetting> keptWindows(const QSettings& settings, const std::str
   for (const QString& text : settings.value(keyOf(modality)).toStringList()) {
     const QStringList numbers = text.split(" / ");
     if (numbers.size() != 2) continue;
-    const WindowSetting window{.centre = numbers[0].toDouble(), .width = numbers[1].toDouble(), .explanation = {}};
+    WindowSetting window;  // a person's own has no explanation
+    window.centre = numbers[0].toDouble();
+    window.width = numbers[1].toDouble();
     if (std::isfinite(window.centre) && std::isfinite(window.width) && window.width > 0) windows.push_back(window);
   }
   return windows;
