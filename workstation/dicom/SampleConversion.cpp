@@ -15,19 +15,18 @@
 namespace workstation {
 namespace {
 
+/// Whether the table can be used; if not, `problem` is one of the two phrases.
+bool isComplete(TableState state, const char* missing, const char* tooShort, std::string& problem) {
+  if (state != TableState::complete) problem = state == TableState::missing ? missing : tooShort;
+  return state == TableState::complete;
+}
+
 /// Reads one colour of a palette, 0 .. 255 (PS3.3 C.7.6.3.1.5, C.7.6.3.1.6).
 bool readChannel(DcmItem& dataset, const DcmTagKey& descriptorTag, const DcmTagKey& dataTag, LookupTable& channel,
                  std::string& problem) {
-  switch (readLookupTable(dataset, descriptorTag, dataTag, channel)) {
-    case TableState::missing:
-      problem = "its palette is missing or segmented";
-      return false;
-    case TableState::tooShort:
-      problem = "its palette is shorter than it says";
-      return false;
-    case TableState::complete:
-      break;
-  }
+  const TableState state = readLookupTable(dataset, descriptorTag, dataTag, channel);
+  if (!isComplete(state, "its palette is missing or segmented", "its palette is shorter than it says", problem))
+    return false;
   // Some writers declare 16 bits and fill in 8; then nothing would be visible.
   const bool isWide = channel.bits > 8 &&
                       std::any_of(channel.entries.begin(), channel.entries.end(), [](auto word) { return word > 255; });
@@ -136,16 +135,10 @@ bool applyModalityTable(DcmItem& item, bool isSigned, std::vector<std::int32_t>&
   LookupTable table;
   DcmItem* tableItem = nullptr;
   item.findAndGetSequenceItem(DCM_ModalityLUTSequence, tableItem, 0);
-  switch (tableItem != nullptr ? readSequenceTable(*tableItem, isSigned, table) : TableState::missing) {
-    case TableState::missing:
-      problem = "its Modality LUT has no table that can be read";
-      return false;
-    case TableState::tooShort:
-      problem = "its Modality LUT is shorter than it says";
-      return false;
-    case TableState::complete:
-      break;
-  }
+  const TableState state = tableItem != nullptr ? readSequenceTable(*tableItem, isSigned, table) : TableState::missing;
+  if (!isComplete(state, "its Modality LUT has no table that can be read", "its Modality LUT is shorter than it says",
+                  problem))
+    return false;
   for (std::int32_t& sample : samples) sample = table.at(sample);
   return true;
 }
