@@ -108,6 +108,17 @@ StoredReport stored(const std::filesystem::path& file) {
   return report ? std::move(*report) : StoredReport();
 }
 
+void expectSameHeader(const StoredReport& report, const StoredReport& other) {
+  EXPECT_EQ(report.studyInstanceUid, other.studyInstanceUid);
+  EXPECT_EQ(report.seriesInstanceUid, other.seriesInstanceUid);
+  EXPECT_EQ(report.seriesNumber, other.seriesNumber);
+  EXPECT_EQ(report.seriesDescription, other.seriesDescription);
+  EXPECT_EQ(report.sopClassUid, other.sopClassUid);
+  EXPECT_EQ(report.sopInstanceUid, other.sopInstanceUid);
+  EXPECT_EQ(report.instanceNumber, other.instanceNumber);
+  EXPECT_EQ(report.contentTime, other.contentTime);
+}
+
 StoredReport afterEdit(const std::function<void(DcmDataset&)>& change, const SavedLabelling& labelling) {
   TemporaryFolder folder;
   const std::filesystem::path file = writeReport(folder, reportOf(folder, labelling));

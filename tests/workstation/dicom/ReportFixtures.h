@@ -33,6 +33,9 @@ std::filesystem::path writeReport(const TemporaryFolder& folder, const ReportToW
 /// What a file says; the test fails when it cannot be read.
 StoredReport stored(const std::filesystem::path& file);
 
+/// The same identifiers, numbers, description and time.
+void expectSameHeader(const StoredReport& report, const StoredReport& other);
+
 /// What a report of the labelling says after its file has been changed.
 StoredReport afterEdit(const std::function<void(DcmDataset&)>& change,
                        const SavedLabelling& labelling = labellingOf(2, false));

@@ -147,14 +147,7 @@ TEST(ReportReader, ReadsTheHeaderAlone) {
   const StoredReport whole = stored(file);
   const Result<StoredReport> header = readReportHeader(file);
   ASSERT_TRUE(header) << header.problem;
-  EXPECT_EQ(header->studyInstanceUid, whole.studyInstanceUid);
-  EXPECT_EQ(header->seriesInstanceUid, whole.seriesInstanceUid);
-  EXPECT_EQ(header->seriesNumber, whole.seriesNumber);
-  EXPECT_EQ(header->seriesDescription, whole.seriesDescription);
-  EXPECT_EQ(header->sopClassUid, whole.sopClassUid);
-  EXPECT_EQ(header->sopInstanceUid, whole.sopInstanceUid);
-  EXPECT_EQ(header->instanceNumber, whole.instanceNumber);
-  EXPECT_EQ(header->contentTime, whole.contentTime);
+  expectSameHeader(*header, whole);
   EXPECT_TRUE(header->archive.empty());
   EXPECT_FALSE(header->content);
   write(sagittalImage(), folder.file("other.dcm"));

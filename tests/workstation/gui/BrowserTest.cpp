@@ -25,6 +25,13 @@ class Browser : public WindowTest {
     while (!workstation().viewers().empty()) window_->closeFrontViewer();
     settle();
   }
+  /// The study's three series stand in the list, and none in a viewer.
+  void listSeries() {
+    openStudy();
+    closeViewers();
+    studyItem()->setExpanded(true);
+    ASSERT_EQ(studyItem()->childCount(), 3);
+  }
   /// Removes the files of a series, which must be in no viewer, and has the window look for them.
   void removeSeries(int number) {
     const std::string uid = desk_->folders().studies()[0].studyUid;
@@ -155,20 +162,14 @@ TEST_F(Browser, TheMenuOpensTheStudyThatItWasAskedForAlsoWhenTheListHasChangedMe
 }
 
 TEST_F(Browser, TheMenuShowsTheSeriesThatItWasAskedForAlsoWhenOthersHaveGoneMeanwhile) {
-  openStudy();
-  closeViewers();
-  studyItem()->setExpanded(true);
-  ASSERT_EQ(studyItem()->childCount(), 3);
+  listSeries();
   chooseInMenu(studyItem()->child(2), 1, [&] { removeSeries(1); });
   ASSERT_EQ(workstation().viewers().size(), 1U) << messages();
   EXPECT_EQ(workstation().series(workstation().viewers()[0].stack)->number, 3);
 }
 
 TEST_F(Browser, TheMenuSaysThatTheSeriesHasGoneMeanwhile) {
-  openStudy();
-  closeViewers();
-  studyItem()->setExpanded(true);
-  ASSERT_EQ(studyItem()->childCount(), 3);
+  listSeries();
   chooseInMenu(studyItem()->child(0), 0, [&] { removeSeries(1); });
   EXPECT_TRUE(workstation().viewers().empty());
   EXPECT_NE(messages().find("The series was not shown"), std::string::npos) << messages();
@@ -183,6 +184,7 @@ TEST_F(Browser, TheMarkOfALabelledStudyHasTheSameSizeOnEveryScreen) {
   settle();
   auto& tree = window_->browser().tree();
   const QImage list = tree.viewport()->grab(tree.visualItemRect(studyItem())).toImage();
+  // The toolkit was started with that scale; the second run of this test would else prove nothing.
   EXPECT_EQ(list.devicePixelRatio(), qEnvironmentVariable("QT_SCALE_FACTOR", "1").toDouble());
   int first = list.width();
   int last = 0;

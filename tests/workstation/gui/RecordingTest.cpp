@@ -28,6 +28,15 @@ class Recording : public WindowTest {
     ASSERT_TRUE(window_->isRecording()) << messages();
   }
   std::filesystem::path file() const { return folder_ / "session.json"; }
+  /// Answers the file that cannot be written when the recording ends.
+  std::filesystem::path recordIntoFolderThatGoes() {
+    const auto folder = folder_ / "gone";
+    std::filesystem::create_directory(folder);
+    prompts_.folder = QString::fromStdString((folder / "session.json").string());
+    record();
+    std::filesystem::remove_all(folder);
+    return folder / "session.json";
+  }
   json recorded() const { return json::parse(std::ifstream(file()), nullptr, false); }
   std::string studyUid() { return desk_->folders().studiesIn(study()).front(); }
   QAction* action(const QString& text) {
@@ -342,28 +351,20 @@ TEST_F(Recording, DoesNotBeginWithASeriesThatAScriptCannotName) {
 }
 
 TEST_F(Recording, AFileThatCannotBeWrittenAtTheEndIsAskedForAgain) {
-  const auto gone = folder_ / "gone";
-  std::filesystem::create_directory(gone);
-  prompts_.folder = QString::fromStdString((gone / "session.json").string());
-  record();
-  std::filesystem::remove_all(gone);
+  const auto lost = recordIntoFolderThatGoes();
   prompts_.triesMore = 1;
   prompts_.beforeNextTry = [this] { prompts_.folder = QString::fromStdString(file().string()); };
   window_->stopRecording();
   settle();
   ASSERT_EQ(prompts_.unsaved.size(), 1U);
-  EXPECT_EQ(prompts_.unsaved.front(), "The file " + (gone / "session.json").string() +
+  EXPECT_EQ(prompts_.unsaved.front(), "The file " + lost.string() +
                                           " cannot be written: No such file or directory; check that the folder is "
                                           "still there.");
   EXPECT_TRUE(recorded().is_object());
 }
 
 TEST_F(Recording, IsThrownAwayOnlyWhenThePersonSaysSo) {
-  const auto gone = folder_ / "gone";
-  std::filesystem::create_directory(gone);
-  prompts_.folder = QString::fromStdString((gone / "session.json").string());
-  record();
-  std::filesystem::remove_all(gone);
+  recordIntoFolderThatGoes();
   window_->stopRecording();
   EXPECT_EQ(prompts_.unsaved.size(), 1U);
   EXPECT_FALSE(window_->isRecording());

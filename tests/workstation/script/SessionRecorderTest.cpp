@@ -45,6 +45,15 @@ class Recorded : public testing::Test {
     begun = recorder.script().steps.size() - 1;
     return viewer;
   }
+  /// Clicks two points of a polygon; what was written before does not count.
+  int beginPolygon() {
+    const int viewer = openSagittal();
+    EXPECT_TRUE(workstation.selectRoiTool(viewer, pelmar::ROIToolTagOpenPolygon));
+    begun += 1;
+    click(viewer, {10, 10});
+    click(viewer, {20, 40});
+    return viewer;
+  }
   /// What was written since, without the dump at the end.
   json steps() {
     auto all = json::parse(writeScript(recorder.script()))["steps"];
@@ -179,22 +188,14 @@ TEST_F(Recorded, ViewsThatChangeBetweenTheClicksOfAPolygonStandBeforeIt) {
 }
 
 TEST_F(Recorded, ReturnEndsAPolygonAsADoubleClickDoes) {
-  const int viewer = openSagittal();
-  ASSERT_TRUE(workstation.selectRoiTool(viewer, pelmar::ROIToolTagOpenPolygon));
-  begun += 1;
-  click(viewer, {10, 10});
-  click(viewer, {20, 40});
+  const int viewer = beginPolygon();
   ASSERT_TRUE(workstation.key(viewer, Key::returnKey));
   expectSteps(R"({"do": "draw", "viewer": 0, "slice": 0, "type": "polygon", "points": [[10, 10], [20, 40]],
                   "moves": 8, "release": true})");
 }
 
 TEST_F(Recorded, AToolEndsADrawingThatIsWrittenUnfinished) {
-  const int viewer = openSagittal();
-  ASSERT_TRUE(workstation.selectRoiTool(viewer, pelmar::ROIToolTagOpenPolygon));
-  begun += 1;
-  click(viewer, {10, 10});
-  click(viewer, {20, 40});
+  const int viewer = beginPolygon();
   ASSERT_TRUE(workstation.selectMouseTool(viewer, MouseToolPan));
   expectSteps(R"({"do": "draw", "viewer": 0, "slice": 0, "type": "polygon", "points": [[10, 10], [20, 40]],
                   "moves": 8, "release": false},
