@@ -57,6 +57,7 @@ class FolderScan::Walk {
 
   /// Links come last: what they lead to counts under its own name where it has one here.
   void followLinks() {
+    if (links_.empty()) return;
     std::set<Identity> seen(files_.begin(), files_.end());
     for (const auto& [name, folder] : scan_.folders_) seen.insert(folder.identity);
     while (!links_.empty()) {

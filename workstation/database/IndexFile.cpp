@@ -6,7 +6,6 @@
 #include <sys/file.h>
 
 #include <array>
-#include <cstring>
 #include <fstream>
 #include <system_error>
 #include <utility>
@@ -88,20 +87,29 @@ void makeShared(const fs::path& file) {
   upgradeSchema(database);
 }
 
-pelmar::Bytes bytesOf(const fs::path& file) {
+/// A file's bytes in memory that SQLite may take over.
+struct LoadedFile {
+  std::unique_ptr<unsigned char, void (*)(void*)> bytes{nullptr, &sqlite3_free};
+  sqlite3_int64 length = 0;  ///< 0: it is empty or cannot be read
+};
+
+LoadedFile load(const fs::path& file) {
+  LoadedFile loaded;
+  std::error_code error;
+  const std::uintmax_t length = fs::file_size(file, error);
   std::ifstream stream(file, std::ios::binary);
-  pelmar::Bytes bytes((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
-  return stream.bad() ? pelmar::Bytes() : bytes;
+  if (error || length == 0 || !stream) return loaded;
+  loaded.bytes.reset(static_cast<unsigned char*>(sqlite3_malloc64(length)));
+  if (!loaded.bytes) throw SQLite::Exception("there is not enough memory for it", SQLITE_NOMEM);
+  stream.read(reinterpret_cast<char*>(loaded.bytes.get()), static_cast<std::streamsize>(length));
+  loaded.length = stream.gcount();  // less when another process has replaced it by a shorter one meanwhile
+  return loaded;
 }
 
-std::unique_ptr<SQLite::Database> inMemory(const pelmar::Bytes& bytes) {
+std::unique_ptr<SQLite::Database> inMemory(LoadedFile file) {
   auto database = std::make_unique<SQLite::Database>(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
-  auto* copy = static_cast<unsigned char*>(sqlite3_malloc64(bytes.size()));
-  if (copy == nullptr) throw SQLite::Exception("there is not enough memory for it", SQLITE_NOMEM);
-  std::memcpy(copy, bytes.data(), bytes.size());
-  const auto length = static_cast<sqlite3_int64>(bytes.size());
-  // The copy belongs to the database from here on, also when it refuses it.
-  database->check(sqlite3_deserialize(database->getHandle(), "main", copy, length, length,
+  // The bytes belong to the database from here on, also when it refuses them.
+  database->check(sqlite3_deserialize(database->getHandle(), "main", file.bytes.release(), file.length, file.length,
                                       SQLITE_DESERIALIZE_FREEONCLOSE | SQLITE_DESERIALIZE_RESIZEABLE));
   return database;
 }
@@ -131,9 +139,9 @@ OpenedIndex openSharedIndex(const fs::path& file, bool create) {
 OpenedIndex loadIndex(const fs::path& file) {
   try {
     if (isMissing(file)) return refused(IndexCondition::missing, "it is missing");
-    const pelmar::Bytes bytes = bytesOf(file);
-    if (bytes.empty()) return refused(IndexCondition::damaged, "it is empty or cannot be read");
-    std::unique_ptr<SQLite::Database> database = inMemory(bytes);
+    LoadedFile loaded = load(file);
+    if (loaded.length == 0) return refused(IndexCondition::damaged, "it is empty or cannot be read");
+    std::unique_ptr<SQLite::Database> database = inMemory(std::move(loaded));
     OpenedIndex found = inspect(*database);
     return found.condition == IndexCondition::usable ? takeOver(std::move(database)) : std::move(found);
   } catch (const SQLite::Exception& exception) {

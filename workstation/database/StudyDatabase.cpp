@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <set>
+#include <string_view>
 #include <system_error>
 #include <unordered_map>
 #include <utility>
@@ -24,7 +25,18 @@ namespace {
 
 using Opened = Result<std::unique_ptr<StudyDatabase>>;
 
-std::string stateOf(const FileStamp& file) { return file.folder + "/" + file.name; }
+using Place = std::pair<std::string_view, std::string_view>;  // folder and name
+
+Place placeOf(const FileStamp& file) { return {file.folder, file.name}; }
+
+struct PlaceHash {
+  std::size_t operator()(const Place& place) const {
+    constexpr std::hash<std::string_view> hash;
+    return hash(place.first) * 31 + hash(place.second);
+  }
+};
+
+std::string pathBelowRoot(const FileStamp& file) { return file.folder + "/" + file.name; }
 
 /// The files of a listing that the index does not have in this state, and the entries whose files are gone.
 struct Difference {
@@ -33,18 +45,19 @@ struct Difference {
 };
 
 Difference differenceOf(const std::vector<IndexedFile>& known, const FolderListing& listing) {
-  std::unordered_map<std::string, const IndexedFile*> waiting;
-  waiting.reserve(known.size());
-  for (const IndexedFile& file : known) waiting.emplace(stateOf(file.stamp), &file);
+  std::unordered_map<Place, std::pair<const IndexedFile*, bool>, PlaceHash> seen;  // and whether it is in the listing
+  seen.reserve(known.size());
+  for (const IndexedFile& file : known) seen.try_emplace(placeOf(file.stamp), &file, false);
   Difference difference;
   for (const FileStamp& file : listing.files) {
-    const auto found = waiting.find(stateOf(file));
-    if (found == waiting.end() || !found->second->stamp.isSameState(file)) difference.fresh.push_back(file);
-    if (found != waiting.end()) waiting.erase(found);
+    const auto found = seen.find(placeOf(file));
+    if (found == seen.end() || !found->second.first->stamp.isSameState(file)) difference.fresh.push_back(file);
+    if (found != seen.end()) found->second.second = true;
   }
-  for (const auto& [name, file] : waiting) difference.gone.push_back(*file);
+  for (const auto& [place, file] : seen)
+    if (!file.second) difference.gone.push_back(*file.first);
   std::sort(difference.fresh.begin(), difference.fresh.end(),
-            [](const FileStamp& a, const FileStamp& b) { return isPathBefore(stateOf(a), stateOf(b)); });
+            [](const FileStamp& a, const FileStamp& b) { return isPathBefore(pathBelowRoot(a), pathBelowRoot(b)); });
   return difference;
 }
 
