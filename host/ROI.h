@@ -106,7 +106,8 @@ class ROI : public HostObject {
   virtual void setIsAliased(bool) {}
   /// The slice index that an aliased annotation was made for. Nil: 0.
   virtual long originalIndexForAlias() const { return 0; }
-  /// From 0. Nil: nothing.
+  /// From 0, a slice of the view that it lies on: its points are pixels of that slice from here on, and `pix` is that
+  /// slice. A slice that the view does not have, or without a view: `pix` stays. Nil: nothing.
   virtual void setOriginalIndexForAlias(long) {}
   /// Keeps it out of the host's display of key images. Only where Capability::ROIDontDisplayInKeyImagesWindow is
   /// supported. Nil: false.

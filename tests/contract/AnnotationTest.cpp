@@ -59,6 +59,30 @@ TEST_P(Annotation, keepsWhatCodeSets) {
   EXPECT_TRUE(roi->pix() == view()->dcmPixList()->objectAtIndex(2));
 }
 
+TEST_P(Annotation, belongsToTheSliceThatItsAliasIsMadeFor) {
+  const auto roi = annotation(10, {0, 1, 2}, {{1, 2}, {3, 4}});
+  const auto slice = [this](std::size_t index) { return view()->dcmPixList()->objectAtIndex(index); };
+  ASSERT_TRUE(roi->pix() == slice(static_cast<std::size_t>(view()->curImage())));
+  for (const std::size_t index : {2U, 0U, 1U}) {
+    roi->setOriginalIndexForAlias(static_cast<long>(index));
+    EXPECT_TRUE(roi->pix() == slice(index)) << index;
+  }
+  for (const long none : {3L, -1L}) {
+    roi->setOriginalIndexForAlias(none);
+    EXPECT_EQ(roi->originalIndexForAlias(), none);
+    EXPECT_TRUE(roi->pix() == slice(1)) << "the view has no such slice";
+  }
+}
+
+TEST_P(Annotation, withoutAViewItStaysOnItsSlice) {
+  const auto roi = annotation(10, {0, 1, 2}, {{1, 2}, {3, 4}});
+  const auto slice = roi->pix();
+  api().roiClass().deleteROI(roi);
+  ASSERT_FALSE(roi->curView());
+  roi->setOriginalIndexForAlias(2);
+  EXPECT_TRUE(roi->pix() == slice);
+}
+
 TEST_P(Annotation, thatCodeMakesChangesAndInsertsPostsNothing) {
   Recorder recorder(api());
   const auto roi = annotation(10, {0, 1}, {{1, 2}, {3, 4}});

@@ -35,6 +35,12 @@ void TestROI::setROIMode(long newMode) {
   mode = newMode;
 }
 
+void TestROI::setOriginalIndexForAlias(long index) {
+  aliasIndex = index;
+  if (index < 0) return;
+  if (const auto slice = curView()->dcmPixList()->objectAtIndex(static_cast<std::size_t>(index))) image = slice;
+}
+
 PixelPoint TestROI::pointAtIndex(long index) const {
   return index < 0 ? PixelPoint{} : pointList->objectAtIndex(static_cast<std::size_t>(index)).point();
 }

@@ -92,7 +92,7 @@ class TestROI : public pelmar::ROI {
   bool isAliased() const override { return aliased; }
   void setIsAliased(bool flag) override { aliased = flag; }
   long originalIndexForAlias() const override { return aliasIndex; }
-  void setOriginalIndexForAlias(long index) override { aliasIndex = index; }
+  void setOriginalIndexForAlias(long index) override;
   bool dontDisplayInKeyImagesWindow() const override { return hiddenInKeyImages; }
   void setDontDisplayInKeyImagesWindow(bool flag) override { hiddenInKeyImages = flag; }
   bool dontSavePreferredWLWW() const override { return keepsWindowSettings; }

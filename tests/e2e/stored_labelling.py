@@ -6,6 +6,7 @@ usage: stored_labelling.py VERTANA REGION [OPTION OF vertana phantom...]
 import csv
 import io
 import pathlib
+import shutil
 import sys
 import tempfile
 
@@ -93,6 +94,8 @@ def check_history(checks, program, folder, polygon, line, series, first):
     run = Run(program, ["label", folder, "--line", line, "--series", series, "--json"])
     checks.that(run.status == 0, "another labelling is taken", run)
     second = run.json()
+    run = Run(program, ["label", folder, "--line", line, "--series", series, "--json"])
+    checks.that(run.status == 0 and run.json() == second, "drawing it once more answers the same", run)
     stored = reports(folder)
     checks.that(len(stored) == 2 and stored[0].SeriesInstanceUID == stored[1].SeriesInstanceUID,
                 "it joins the first one's series")
@@ -114,6 +117,44 @@ def check_history(checks, program, folder, polygon, line, series, first):
     after = contents(folder)
     checks.that(all(after.get(name) == value for name, value in before.items() if "index" not in name),
                 "no file was changed or taken away")
+
+
+def slices_of(folder, series):
+    """Position and normal of each slice, from right to left."""
+    found = []
+    for path in sorted(folder.rglob("*.dcm")):
+        image = pydicom.dcmread(path, stop_before_pixels=True)
+        if image.get("SeriesNumber") != int(series) or image.Modality == "SR":
+            continue
+        row, column = (list(map(float, image.ImageOrientationPatient[at:at + 3])) for at in (0, 3))
+        normal = [row[1] * column[2] - row[2] * column[1], row[2] * column[0] - row[0] * column[2],
+                  row[0] * column[1] - row[1] * column[0]]
+        found.append((list(map(float, image.ImagePositionPatient)), normal))
+    return sorted(found, key=lambda slice_: slice_[0][0])
+
+
+def check_redrawn(checks, program, folder, line, series):
+    """A study that holds a labelling is labelled on another slice: the discs lie where the person drew, not where the
+    curve stood that was loaded; the same line again says the same."""
+    slices = slices_of(folder, series)
+    for number in (3, len(slices) - 4):
+        command = ["label", folder, "--line", line, "--series", series, "--slice", number, "--json"]
+        run = Run(program, command)
+        checks.that(run.status == 0 and not run.messages, f"labelled on slice {number}", run)
+        labelled = run.json()
+        checks.that(labelled["vertical"]["slice"] == number, f"label tells slice {number}", run)
+        position, normal = slices[number]
+        distances = [sum((plane["point"][i] - position[i]) * normal[i] for i in range(3))
+                     for plane in labelled["intervertebralPlanes"]]
+        checks.that(distances and all(abs(distance) < 1e-3 for distance in distances),
+                    f"every disc lies in slice {number}, millimetres from it: {distances}", run)
+        shown = Run(program, ["show", folder, "--json"]).json()
+        checks.that([plane["point"] for plane in shown["intervertebralPlanes"]] ==
+                    [plane["point"] for plane in labelled["intervertebralPlanes"]], "show tells the same places")
+        checks.that(shown["vertical"] == labelled["vertical"], "show tells the same slice")
+        before = contents(folder)
+        run = Run(program, command)
+        checks.that(run.status == 0 and contents(folder) == before, f"the same line on slice {number} adds nothing", run)
 
 
 def check_database(checks, program, folder, labelled, line):
@@ -171,6 +212,7 @@ def main():
         checks.that(len(stored) == 1, "one report is in the study")
         check_report(checks, stored[0], labelled)
         check_reading(checks, program, folder, labelled)
+        check_redrawn(checks, program, shutil.copytree(folder, folder.parent / "redrawn"), line, series)
         if not extra:
             check_history(checks, program, folder, polygon, line, series, labelled)
         check_database(checks, program, folder, labelled, line)

@@ -72,6 +72,17 @@ TEST_F(SpineCurve, rebuildingKeepsTheSameObjectAndRefillsItsPoints) {
   EXPECT_EQ(first->colour, (pelmar::Colour{0, 1, 0, 1}));
 }
 
+TEST_F(SpineCurve, drawnAnewOnAnotherSliceItLiesInThatSlice) {
+  inputLine({100, 0}, {100, 50});
+  filter.createOpenPolygon();
+  for (const std::size_t slice : {2U, 0U}) {
+    sagittal->view->current = static_cast<long>(slice);
+    filter.createOpenPolygon();
+    EXPECT_TRUE(curve()->pix() == sagittal->images[slice]) << "its vertices are pixels of slice " << slice;
+    EXPECT_EQ(curve()->originalIndexForAlias(), static_cast<long>(slice));
+  }
+}
+
 TEST_F(SpineCurve, curveHeadsEverySlicesListAndIsNeverDuplicated) {
   inputLine({100, 0}, {100, 50});
   for (std::size_t slice = 0; slice < 3; ++slice) host.addROI(19, sagittal, slice, {{1, 1}});

@@ -76,6 +76,12 @@ std::optional<std::vector<MyPoint>> Roi::splinePoints(float scale, std::vector<l
   return std::move(samples.points);
 }
 
+void Roi::setOriginalIndexForAlias(long index) {
+  originalIndex_ = index;
+  if (index < 0) return;
+  if (const auto slice = curView()->dcmPixList()->objectAtIndex(static_cast<std::size_t>(index))) pix_ = slice;
+}
+
 float Roi::length() const {
   const double spacingXMm = pix_->pixelSpacingX();
   const double spacingYMm = pix_->pixelSpacingY();

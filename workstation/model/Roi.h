@@ -84,7 +84,8 @@ class Roi final : public pelmar::ROI {
   bool isAliased() const override { return aliased_; }
   void setIsAliased(bool aliased) override { aliased_ = aliased; }
   long originalIndexForAlias() const override { return originalIndex_; }
-  void setOriginalIndexForAlias(long index) override { originalIndex_ = index; }
+  /// It belongs to that slice from here on: its points are pixels of it.
+  void setOriginalIndexForAlias(long index) override;
   bool dontDisplayInKeyImagesWindow() const override { return notInKeyImages_; }
   void setDontDisplayInKeyImagesWindow(bool hidden) override { notInKeyImages_ = hidden; }
   bool dontSavePreferredWLWW() const override { return dontSaveWindow_; }
