@@ -35,8 +35,8 @@ ProgressLine::ProgressLine(const std::string& what) : what_(printable(what)), te
 ProgressLine::~ProgressLine() { hide(); }
 
 void ProgressLine::hide() {
-  if (terminal_ && lastPercent_ <= 100) std::cerr << "\r\033[K" << std::flush;
-  lastPercent_ = 101;
+  if (terminal_ && lastPercent_ != nothingShown) std::cerr << "\r\033[K" << std::flush;
+  lastPercent_ = nothingShown;
 }
 
 bool ProgressLine::show(std::size_t done, std::size_t total) {
@@ -44,6 +44,14 @@ bool ProgressLine::show(std::size_t done, std::size_t total) {
   if (terminal_ && percent != lastPercent_) {
     lastPercent_ = percent;
     std::cerr << '\r' << what_ << ' ' << percent << " % (" << done << " of " << total << ")\033[K" << std::flush;
+  }
+  return !interrupted();
+}
+
+bool ProgressLine::wait(const std::string& forWhat) {
+  if (terminal_ && lastPercent_ != waitingShown) {
+    lastPercent_ = waitingShown;
+    std::cerr << '\r' << what_ << ": waiting for " << printable(forWhat) << "\033[K" << std::flush;
   }
   return !interrupted();
 }

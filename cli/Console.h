@@ -31,13 +31,19 @@ class ProgressLine {
   ProgressLine& operator=(const ProgressLine&) = delete;
   /// Returns false when the person has interrupted the work.
   bool show(std::size_t done, std::size_t total);
+  /// Shows what the work waits for; the answer is that of show().
+  bool wait(const std::string& forWhat);
   /// Clears it, so that something else can be printed; it comes back with the next show().
   void hide();
 
  private:
   std::string what_;
   bool terminal_;
-  std::size_t lastPercent_ = 101;  ///< above 100: nothing is shown
+  std::size_t lastPercent_ = nothingShown;
+
+  /// Instead of a percentage.
+  static constexpr std::size_t nothingShown = 101;
+  static constexpr std::size_t waitingShown = 102;
 };
 
 }  // namespace cli

@@ -22,8 +22,9 @@ Expected<workstation::ImportResult> importStudies(StudyDatabase& database, const
   workstation::ImportResult result;
   {
     ProgressLine progress("Importing");
-    result =
-        database.importFiles(paths, [&](std::size_t done, std::size_t total) { return progress.show(done, total); });
+    result = database.importFiles(paths, [&](std::size_t done, std::size_t total) {
+      return total == 0 ? progress.wait("another import into " + folder) : progress.show(done, total);
+    });
   }
   for (const auto& file : result.unreadable) {
     printMessage(file.file.string() + " cannot be imported: " + file.reason + ".");

@@ -4,6 +4,7 @@ in whole sentences. What it refuses is in refusals.py.
 
 usage: messages.py VERTANA
 """
+import fcntl
 import json
 import os
 import pathlib
@@ -208,6 +209,14 @@ def check_reading(checks, program, long, top):
         wanted = rf"(\r{what} \d+ % \(\d+ of (\d+)\)\x1b\[K)+\r\x1b\[Kvertana: {re.escape(sentence)}\r\n"
         checks.that(status == 1 and out == "" and re.fullmatch(wanted, shown) and " 100 %" not in shown,
                     f"{arguments}: {status}, {shown!r}")
+    busy = top / "busy"
+    busy.mkdir()
+    with open(busy / "import.lock", "wb") as lock:  # as another import does
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        status, out, shown = on_terminal(program, [*import_one, busy], b"waiting")
+    wanted = (f"\rImporting: waiting for another import into {busy}\x1b[K\r\x1b[K"
+              f"vertana: {as_it_was.format(busy)}\r\n")
+    checks.that(status == 1 and out == "" and shown == wanted, f"an import waits for another: {status}, {shown!r}")
 
 
 def check_without_plugin(checks, program, study):

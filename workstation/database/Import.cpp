@@ -26,7 +26,7 @@ class Importer {
       result_.cancelled = !goesOn(done);
       if (!result_.cancelled) take(sources_[done]);
     }
-    if (isGoingOn()) result_.cancelled = !goesOn(sources_.size());
+    if (isGoingOn() && !sources_.empty()) result_.cancelled = !goesOn(sources_.size());
     if (isGoingOn()) finish();
     if (!isGoingOn()) takeBack();
     result_.studies.assign(studies_.begin(), studies_.end());

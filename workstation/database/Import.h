@@ -25,12 +25,14 @@ struct ImportResult {
   std::string problem;               ///< a whole sentence when it failed; the database is as it was then
 };
 
-/// Called before each file with the number done and the number in all, and once at the end. False stops.
+/// Called before each file with the number done and the number in all, and once at the end; by an import that waits for
+/// another one to end, some times a second with 0 and 0. False stops.
 using Progress = std::function<bool(std::size_t done, std::size_t total)>;
 
 /// Imports files and, at any depth, what lies in folders, into folders below `root`, one for each study. An object
 /// counts by its SOP Instance UID; a source file whose place, size and time are known is not even opened.
-/// All or nothing: when it is cancelled or fails, neither the folder nor the index has changed.
+/// All or nothing: when it is cancelled or fails, neither the folder nor the index has changed. Nobody else may import
+/// into the folder meanwhile: see lockForImport.
 ImportResult importInto(const std::filesystem::path& root, Index& index,
                         const std::vector<std::filesystem::path>& paths, const Progress& progress,
                         const DiskCalls& disk);

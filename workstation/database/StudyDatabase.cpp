@@ -11,6 +11,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "workstation/database/ImportLock.h"
 #include "workstation/database/Index.h"
 #include "workstation/database/IndexFile.h"
 #include "workstation/database/StudyDatabaseInterior.h"
@@ -275,7 +276,11 @@ ImportResult StudyDatabase::importFiles(const std::vector<fs::path>& paths, cons
                      ": it is opened in place. Copy them there, or import them into a database folder.";
     return result;
   }
-  refresh();
+  const Result<Descriptor> lock = lockForImport(indexFile_.parent_path(), [&] { return !progress || progress(0, 0); });
+  result.cancelled = lock && !lock->isOpen();
+  result.problem = lock.problem;
+  if (result.cancelled || !lock) return result;
+  refresh();  // only now: another import may just have ended
   try {
     result = importInto(root_, *index_, paths, progress, disk_);
   } catch (const SQLite::Exception& exception) {

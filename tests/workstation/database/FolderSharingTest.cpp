@@ -3,8 +3,17 @@
 #include <gtest/gtest.h>
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/mman.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <new>
+#include <stdexcept>
+#include <thread>
+#include <utility>
 
 #include "FolderFixtures.h"
 
@@ -138,6 +147,93 @@ TEST(FolderSharing, ManyProcessesMayMakeOneDatabase) {
   for (const pid_t child : children) EXPECT_TRUE(endsWell(child));
   EXPECT_TRUE(openAsDatabase(folder.path())->notices().empty());
   EXPECT_FALSE(fs::exists(folder.path() / "index.sqlite.set-aside-1"));
+}
+
+/// Numbers that processes share: those that are started by this one while the object lives.
+class SharedNumbers {
+ public:
+  struct Numbers {
+    std::atomic<std::size_t> arrived{0};
+    std::atomic<std::size_t> copied{0};
+  };
+  SharedNumbers()
+      : memory_(::mmap(nullptr, sizeof(Numbers), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0)) {
+    if (memory_ == MAP_FAILED) throw std::runtime_error("no memory can be shared");
+    numbers_ = new (memory_) Numbers;
+  }
+  ~SharedNumbers() { ::munmap(memory_, sizeof(Numbers)); }
+  SharedNumbers(const SharedNumbers&) = delete;
+  SharedNumbers& operator=(const SharedNumbers&) = delete;
+  Numbers* operator->() const { return numbers_; }
+
+ private:
+  void* memory_;
+  Numbers* numbers_;
+};
+
+TEST(FolderSharing, ProcessesThatImportTheSameFilesAtTheSameTimeCopyEachOnce) {
+  constexpr std::size_t files = 5;
+  constexpr std::size_t processes = 3;
+  const TemporaryFolder source;
+  const TemporaryFolder folder;
+  writeStudy(source.path(), files);
+  openAsDatabase(folder.path());
+  const SharedNumbers numbers;
+  const auto importAll = [&] {
+    const auto database = openAsDatabase(folder.path());
+    const auto patience = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    bool isHere = false;
+    // Whoever has looked at all files goes on when each of the others has done so too, or waits.
+    const auto meet = [&](std::size_t done, std::size_t total) {
+      if (done != total || std::exchange(isHere, true)) return true;
+      ++numbers->arrived;
+      while (numbers->arrived < processes && std::chrono::steady_clock::now() < patience) std::this_thread::yield();
+      return true;
+    };
+    const ImportResult result = database->importFiles({source.path()}, meet);
+    numbers->copied += result.imported;
+    return result.problem.empty() && result.unreadable.empty() && result.imported + result.known == files;
+  };
+  std::vector<pid_t> children;
+  for (std::size_t i = 0; i < processes; ++i) children.push_back(startChild(importAll));
+  for (const pid_t child : children) EXPECT_TRUE(endsWell(child));
+  EXPECT_EQ(numbers->arrived, processes);
+  EXPECT_EQ(numbers->copied, files);
+  const fs::path study = folder.path() / "studies" / studyUid();
+  EXPECT_EQ(static_cast<std::size_t>(std::distance(fs::directory_iterator(study), {})), files);
+  const auto database = openAsDatabase(folder.path());
+  EXPECT_EQ(database->images(studyUid()).size(), files);
+  EXPECT_TRUE(database->contents().copies.empty());
+}
+
+TEST(FolderSharing, ImportThatWaitsForAnotherCanBeCancelledAndHoldsNobodyUp) {
+  const TemporaryFolder source;
+  const TemporaryFolder folder;
+  writeStudy(source.path());
+  const auto database = openAsDatabase(folder.path());
+  const Descriptor other(::open((folder.path() / "import.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+  ASSERT_EQ(::flock(other.number(), LOCK_EX), 0);
+  std::size_t asked = 0;
+  const ImportResult result = database->importFiles({source.path()}, [&](std::size_t, std::size_t total) {
+    EXPECT_EQ(total, 0U);
+    return ++asked < 3;
+  });
+  EXPECT_TRUE(result.cancelled);
+  EXPECT_EQ(asked, 3U);
+  EXPECT_TRUE(fs::is_empty(folder.path() / "studies"));
+  EXPECT_TRUE(openAsDatabase(folder.path())->studies().empty()) << "opening does not wait";
+}
+
+TEST(FolderSharing, ImportThatCannotBeLockedIsRefused) {
+  const TemporaryFolder source;
+  const TemporaryFolder folder;
+  writeStudy(source.path());
+  const auto database = openAsDatabase(folder.path());
+  fs::create_directory(folder.path() / "import.lock");
+  const ImportResult result = database->importFiles({source.path()});
+  EXPECT_NE(result.problem.find("import.lock cannot be opened: "), std::string::npos) << result.problem;
+  EXPECT_EQ(result.imported, 0U);
+  EXPECT_TRUE(fs::is_empty(folder.path() / "studies"));
 }
 
 TEST(FolderSharing, IndexThatFailsWhileItIsOpenIsReplacedByTheFiles) {
