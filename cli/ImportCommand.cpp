@@ -22,7 +22,9 @@ void printImport(const workstation::ImportResult& result, const std::string& dat
 }  // namespace
 
 int runImport(const ImportArguments& arguments) {
-  const auto database = readStudies(arguments.database, true);
+  SourceOptions options;
+  options.makeDatabase = true;
+  const auto database = readStudies(arguments.database, true, options);
   if (interrupted()) return fail(interruptedBeforeChange(arguments.database));
   if (!database) return fail({ExitUnreadable, database.problem});
   for (const auto& notice : (*database)->notices()) printMessage(notice);

@@ -10,6 +10,7 @@ workstation::Result<std::unique_ptr<StudyDatabase>> readStudies(const std::strin
                                                                 const SourceOptions& options) {
   ProgressLine progress("Reading the study");
   workstation::OpenOptions how;
+  how.makeDatabase = options.makeDatabase;
   how.indexIsCurrent = options.indexIsCurrent;
   if (!options.amongMany) {
     how.progress = [&](std::size_t done, std::size_t total) { return progress.show(done, total); };

@@ -13,6 +13,7 @@ namespace cli {
 
 /// How a source of studies is opened.
 struct SourceOptions {
+  bool makeDatabase = false;    ///< of a database: see OpenOptions
   bool amongMany = false;       ///< no progress is shown, and a folder without one image is told in one line
   bool indexIsCurrent = false;  ///< of a database: see OpenOptions; what there is to tell of its index was told then
 };

@@ -20,7 +20,9 @@ void printUnreadable(const std::vector<workstation::UnreadableFile>& files) {
 
 /// A reading that the interrupt key has stopped is told as that, not as a folder that cannot be read.
 Expected<std::unique_ptr<StudyDatabase>> openAt(const std::string& path, bool isDatabase) {
-  auto opened = readStudies(path, isDatabase);
+  SourceOptions options;
+  options.makeDatabase = isDatabase;  // a script imports into it what it opens
+  auto opened = readStudies(path, isDatabase, options);
   if (interrupted()) return Failure{ExitNotAllowed, "Interrupted while reading " + path + "."};
   if (!opened) return Failure{ExitUnreadable, opened.problem};
   return std::move(*opened);

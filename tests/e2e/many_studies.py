@@ -134,6 +134,10 @@ def check_database(checks, program, top, labelled, plain):
                 "a database that does not exist is refused", run)
     (top / "bare").mkdir()
     run = Run(program, ["show", "--database", top / "bare", "--csv"])
+    checks.that(run.status == 3 and run.out == "" and len(run.messages) == 1 and not list((top / "bare").iterdir()),
+                "a folder that is no database is refused, and nothing is written", run)
+    Run(program, ["import", top / "bare", "--database", top / "new"])
+    run = Run(program, ["show", "--database", top / "new", "--csv"])
     checks.that(run.status == 1 and run.out == "" and len(run.messages) == 1 and "holds no study: import some with vertana import." in run.messages[0],
                 "a database without a study says so", run)
     report = [path for path in labelled[0].folder.glob("SE*/vertana-*.dcm")] + \

@@ -66,6 +66,13 @@ def main():
              " holds no DICOM image that can be shown: it holds no file."),
             ("a database that does not exist", 3, ["show", "1.2", "--database", top / "nowhere"], str(top / "nowhere"),
              " does not exist: give a database folder."),
+            *((f"{command[0]} of a folder that is no database", 3, [*command, "--database", study], f"The folder {study}",
+               " is no database, for it holds neither index.sqlite nor studies: name another one, or import studies "
+               "into it with vertana import.")
+              for command in (["show", "1.2"], ["show"], ["history", "1.2"], ["info", "1.2"],
+                              ["label", "1.2", "--line", good], ["restore", "1.2", "--object", "1"],
+                              ["export", "1.2", "--format", "json", "--out", top / "x.json"],
+                              ["render", "1.2", "--out", top / "x"])),
             ("a study that is not in the database", 1, ["show", "1.2", "--database", database],
              f"The database {database} holds no study 1.2",
              ": give the Study Instance UID of one that was imported."),

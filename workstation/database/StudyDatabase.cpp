@@ -89,7 +89,17 @@ void StudyDatabase::readWithoutIndex(const std::string& reason) {
   update(scan_.all(), {});
 }
 
+bool StudyDatabase::isDatabase(const fs::path& folder) {
+  std::error_code error;
+  return fs::exists(folder / "index.sqlite", error) || fs::is_directory(folder / "studies", error);
+}
+
 Opened StudyDatabase::openDatabase(const fs::path& folder, const OpenOptions& options) {
+  if (!options.makeDatabase && !isDatabase(folder))
+    return Opened::refused(
+        "The folder " + folder.string() +
+        " is no database, for it holds neither index.sqlite nor studies: name another one, or import "
+        "studies into it with vertana import.");
   const fs::path studies = folder / "studies";
   std::error_code error;
   fs::create_directories(studies, error);

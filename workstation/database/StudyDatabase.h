@@ -43,6 +43,8 @@ struct OpenOptions {
   /// reading, and nothing is opened.
   Progress progress;
   DiskCalls disk;
+  /// Of a database folder: one is made where there is none. Else what is none is refused, and left as it is.
+  bool makeDatabase = false;
   /// Of a database folder: another process has just opened it, so the index says what lies there. The files are not
   /// looked at then, neither on opening nor later; what is stored through the index is seen all the same.
   /// Without effect where no index was found that can be used.
@@ -59,7 +61,9 @@ struct OpenOptions {
 /// that are new or changed. Main thread only.
 class StudyDatabase final : public ReportShelf {
  public:
-  /// Opens a database folder, which is made when it does not exist.
+  /// Whether it is a database folder, or was one that has lost its index or its studies.
+  static bool isDatabase(const std::filesystem::path& folder);
+  /// Opens a database folder.
   static Result<std::unique_ptr<StudyDatabase>> openDatabase(const std::filesystem::path& folder,
                                                              const OpenOptions& options = {});
   /// Opens a folder of DICOM files, or one file, in place.

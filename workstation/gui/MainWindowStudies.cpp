@@ -32,6 +32,8 @@ std::vector<const ImageRecord*> withoutGeometry(const Series& series) {
 void MainWindow::openDatabaseIfThere() {
   std::error_code error;
   if (database_.empty() || !fs::exists(database_, error) || desk_.folders().holds(database_)) return;
+  // The first import makes it one: until then nothing is wrong with it.
+  if (fs::is_directory(database_, error) && fs::is_empty(database_, error)) return;
   auto opened = StudyDatabase::openDatabase(database_);
   if (!opened) {
     desk_.tell(opened.problem);
@@ -136,7 +138,9 @@ void MainWindow::importPaths(const std::vector<fs::path>& paths) {
       "Importing " + QString::fromStdString(paths.front().filename().string()),
       [result, paths, database = database_](const Progress& progress) {
         // A connection of its own: the window's belongs to the window's thread.
-        auto opened = StudyDatabase::openDatabase(database);
+        OpenOptions options;
+        options.makeDatabase = true;
+        auto opened = StudyDatabase::openDatabase(database, options);
         if (opened) {
           *result = (*opened)->importFiles(paths, progress);
         } else {
@@ -144,7 +148,7 @@ void MainWindow::importPaths(const std::vector<fs::path>& paths) {
         }
       },
       [this, result](bool) {
-        openDatabaseIfThere();
+        if (result->problem.empty()) openDatabaseIfThere();
         desk_.folders().refresh();
         browser_->refill();
         tellImport(*result);

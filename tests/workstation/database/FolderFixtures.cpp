@@ -91,7 +91,9 @@ std::unique_ptr<StudyDatabase> openInPlace(const fs::path& folderOrFile, const O
 }
 
 std::unique_ptr<StudyDatabase> openAsDatabase(const fs::path& folder, const OpenOptions& options) {
-  return taken(StudyDatabase::openDatabase(folder, options));
+  OpenOptions making = options;
+  making.makeDatabase = true;
+  return taken(StudyDatabase::openDatabase(folder, making));
 }
 
 OpenOptions countingReads(std::size_t& reads) {

@@ -31,7 +31,7 @@ std::string reportUid(int number);
 /// Every file, folder and link below a folder with its bytes and times.
 std::map<std::string, std::string> photographOf(const std::filesystem::path& folder);
 
-/// The database; the test fails when it cannot be opened.
+/// The database, which is made where there is none; the test fails when it cannot be opened.
 std::unique_ptr<StudyDatabase> openInPlace(const std::filesystem::path& folderOrFile, const OpenOptions& options = {});
 std::unique_ptr<StudyDatabase> openAsDatabase(const std::filesystem::path& folder, const OpenOptions& options = {});
 /// Options that count how many files an opening reads.

@@ -185,6 +185,35 @@ TEST_F(ImportTest, ReportIsStoredInTheFolderOfTheStudy) {
   EXPECT_EQ(levelsIn(*openAsDatabase(folder_.path())), std::vector<double>{1});
 }
 
+TEST_F(ImportTest, LookingAtAFolderThatIsNoDatabaseLeavesItAsItIs) {
+  const fs::path nowhere = folder_.path() / "nowhere";
+  const fs::path empty = folder_.path() / "empty";
+  fs::create_directory(empty);
+  for (const fs::path& folder : {nowhere, empty, source_.path()}) {
+    const auto before = photographOf(folder_.path());
+    const auto files = photographOf(source_.path());
+    const auto opened = StudyDatabase::openDatabase(folder);
+    ASSERT_FALSE(opened) << folder;
+    EXPECT_TRUE(opened.problem.starts_with("The folder " + folder.string() + " is no database, ")) << opened.problem;
+    EXPECT_NE(opened.problem.find("vertana import"), std::string::npos) << opened.problem;
+    EXPECT_EQ(photographOf(folder_.path()), before);
+    EXPECT_EQ(photographOf(source_.path()), files);
+  }
+}
+
+TEST_F(ImportTest, DatabaseThatHasLostItsIndexOrItsStudiesIsStillOne) {
+  openAsDatabase(folder_.path())->importFiles({source_.path()});
+  fs::remove(folder_.path() / "index.sqlite");
+  auto opened = StudyDatabase::openDatabase(folder_.path());
+  ASSERT_TRUE(opened) << opened.problem;
+  EXPECT_EQ((*opened)->images(studyUid()).size(), 3U);
+  opened->reset();
+  fs::remove_all(folder_.path() / "studies");
+  opened = StudyDatabase::openDatabase(folder_.path());
+  ASSERT_TRUE(opened) << opened.problem;
+  EXPECT_TRUE((*opened)->studies().empty());
+}
+
 TEST(ImportNames, UidsThatAreNoneNeverLeaveTheFolder) {
   EXPECT_EQ(nameForUid("1.2.840.3"), "1.2.840.3");
   for (const std::string& uid : {std::string("../../etc"), std::string(".."), std::string(""), std::string("a/b"),

@@ -224,6 +224,20 @@ TEST_F(Messages, ADatabaseThatCannotBeMadeIsToldOnImport) {
   EXPECT_EQ(bytesOf(database()).size(), std::string("a file is in the way").size());
 }
 
+TEST_F(Messages, AFolderThatIsNoDatabaseIsToldAtTheStartAndLeftAsItIs) {
+  std::filesystem::create_directory(database());
+  restart();
+  EXPECT_EQ(messages(), "") << "the first import makes it one";
+  EXPECT_TRUE(std::filesystem::is_empty(database()));
+  writeText(database() / "notes.txt", "no DICOM");
+  restart();
+  EXPECT_TRUE(isTold("The folder " + database().string() + " is no database, ")) << messages();
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(database()), {}), 1);
+  window_->importPaths({study()});
+  waitForTask();
+  EXPECT_EQ(window_->browser().tree().topLevelItemCount(), 1) << "an import is what a person wants there";
+}
+
 TEST_F(Messages, WhatHasNotBeenShownComesWhenTheFirstAreDismissed) {
   MessageBar& bar = window_->messages();
   tellSix();
