@@ -3,6 +3,8 @@
 #include <SQLiteCpp/Exception.h>
 
 #include <algorithm>
+#include <array>
+#include <fstream>
 #include <map>
 #include <set>
 #include <system_error>
@@ -14,6 +16,23 @@ namespace workstation {
 namespace {
 
 namespace fs = std::filesystem;
+
+/// Whether two files hold the same bytes; nothing when one of them cannot be read.
+std::optional<bool> haveSameBytes(const fs::path& one, const fs::path& other) {
+  std::ifstream left(one, std::ios::binary);
+  std::ifstream right(other, std::ios::binary);
+  std::array<char, 1 << 15> ofLeft{};
+  std::array<char, 1 << 15> ofRight{};
+  while (left && right) {
+    left.read(ofLeft.data(), ofLeft.size());
+    right.read(ofRight.data(), ofRight.size());
+    const std::streamsize count = left.gcount();
+    if (left.bad() || right.bad()) break;
+    if (count != right.gcount() || !std::equal(ofLeft.begin(), ofLeft.begin() + count, ofRight.begin())) return false;
+    if (left.eof()) return true;
+  }
+  return std::nullopt;
+}
 
 class Importer {
  public:
@@ -38,6 +57,11 @@ class Importer {
     FileStamp source;
     FileToIndex file;
     TemporaryFile temporary;
+  };
+  /// The file of an object that is in the database, or will be.
+  struct Kept {
+    FileStamp file;
+    fs::path bytes;  ///< where to read them: what is being copied has no file of its own yet
   };
 
   bool isGoingOn() const { return !result_.cancelled && result_.problem.empty(); }
@@ -106,19 +130,30 @@ class Importer {
     }
     studies_.insert(studyUid);
     const auto [place, isNew] = taken_.try_emplace({studyUid, objectUid});
-    std::optional<FileStamp> kept = isNew ? index_.fileOf(studyUid, objectUid) : place->second;
-    if (!kept) {
-      place->second = copy(source, studyUid, objectUid, contents);
+    Kept& kept = place->second;
+    if (isNew) {
+      const std::optional<FileStamp> known = index_.fileOf(studyUid, objectUid);
+      if (!known) {
+        kept = {copy(source, studyUid, objectUid, contents), path};
+        return;
+      }
+      kept = {*known, pathOf(*known)};
+    }
+    compare(source, path, kept);
+  }
+
+  /// A source that holds an object which another file holds already.
+  void compare(const FileStamp& source, const fs::path& path, const Kept& kept) {
+    const std::optional<bool> isSame =
+        kept.file.size == source.size ? haveSameBytes(path, kept.bytes) : std::optional(false);
+    if (isSame.value_or(false)) {
+      ++result_.known;
+      remembered_.push_back({source, kept.file});
       return;
     }
-    place->second = *kept;
-    if (kept->size == source.size) {
-      ++result_.known;
-      remembered_.push_back({source, *kept});
-    } else {
-      result_.unreadable.push_back({path, "its SOP Instance UID is that of " + pathOf(*kept).string() +
-                                              ", which is another file: only that one is kept"});
-    }
+    const std::string why = isSame ? ", which is another file" : ", but they cannot be compared";
+    result_.unreadable.push_back(
+        {path, "its SOP Instance UID is that of " + pathOf(kept.file).string() + why + ": only that one is kept"});
   }
 
   fs::path pathOf(const FileStamp& file) const { return root_ / file.folder / file.name; }
@@ -187,7 +222,7 @@ class Importer {
   std::set<std::string> studies_;
   std::vector<FileStamp> sources_;
   std::set<fs::path> seen_;
-  std::map<std::pair<std::string, std::string>, FileStamp> taken_;  // by study and object
+  std::map<std::pair<std::string, std::string>, Kept> taken_;  // by study and object
   std::vector<Copy> copies_;
   std::vector<ImportedFile> remembered_;
   std::set<fs::path> folders_;

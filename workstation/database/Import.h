@@ -30,7 +30,8 @@ struct ImportResult {
 using Progress = std::function<bool(std::size_t done, std::size_t total)>;
 
 /// Imports files and, at any depth, what lies in folders, into folders below `root`, one for each study. An object
-/// counts by its SOP Instance UID; a source file whose place, size and time are known is not even opened.
+/// counts by its SOP Instance UID; a source file whose place, size and time are known is not even opened, and one of an
+/// object that is there already is compared with its file byte by byte.
 /// All or nothing: when it is cancelled or fails, neither the folder nor the index has changed. Nobody else may import
 /// into the folder meanwhile: see lockForImport.
 ImportResult importInto(const std::filesystem::path& root, Index& index,

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <chrono>
 
 #include "FolderFixtures.h"
 
@@ -121,6 +122,58 @@ TEST_F(ImportTest, AnotherFileUnderAKnownUidIsNamedAndNotTaken) {
   ASSERT_EQ(result.unreadable.size(), 1U);
   EXPECT_NE(result.unreadable[0].reason.find("which is another file"), std::string::npos);
   EXPECT_EQ(studies(), before);
+}
+
+TEST_F(ImportTest, CorrectedFileOfTheSameSizeIsNamedAndNotTaken) {
+  const auto database = openAsDatabase(folder_.path());
+  database->importFiles({source_.path()});
+  const fs::path file = source_.path() / "sag/2.dcm";
+  std::vector<std::uint8_t> bytes = bytesOf(file);
+  bytes.back() ^= 1;  // of the pixels
+  writeBytes(file, bytes);
+  fs::last_write_time(file, fs::last_write_time(file) + std::chrono::hours(1));
+  const auto before = studies();
+  for (int time = 0; time < 2; ++time) {  // it is not taken for known the next time either
+    const ImportResult result = database->importFiles({source_.path()});
+    EXPECT_EQ(result.imported, 0U);
+    EXPECT_EQ(result.known, 2U);
+    ASSERT_EQ(result.unreadable.size(), 1U);
+    EXPECT_EQ(result.unreadable[0].file, file);
+    EXPECT_NE(result.unreadable[0].reason.find("which is another file"), std::string::npos);
+    EXPECT_EQ(studies(), before);
+  }
+}
+
+TEST_F(ImportTest, TwoSourcesWithOneUidAndSizeAreCompared) {
+  fs::copy(source_.path() / "sag", source_.path() / "then");
+  std::vector<std::uint8_t> bytes = bytesOf(source_.path() / "then/2.dcm");
+  bytes.back() ^= 1;
+  writeBytes(source_.path() / "then/2.dcm", bytes);
+  const ImportResult result =
+      openAsDatabase(folder_.path())->importFiles({source_.path() / "sag", source_.path() / "then"});
+  EXPECT_EQ(result.imported, 3U);
+  EXPECT_EQ(result.known, 2U);
+  ASSERT_EQ(result.unreadable.size(), 1U);
+  EXPECT_EQ(result.unreadable[0].file, source_.path() / "then/2.dcm");
+  EXPECT_NE(result.unreadable[0].reason.find("which is another file"), std::string::npos);
+}
+
+TEST_F(ImportTest, FileThatCannotBeComparedIsNamedAndNotTaken) {
+  const auto database = openAsDatabase(folder_.path());
+  database->importFiles({source_.path()});
+  const TemporaryFolder other;
+  write(sagittalImage(1), other.file("1.dcm"));
+  const fs::path kept =
+      folder_.path() / "studies" / studyUid() / (nameForUid(sagittalImage(1).sopInstanceUid) + ".dcm");
+  const ImportResult result = database->importFiles({other.path()}, [&](std::size_t done, std::size_t) {
+    if (done > 0) return true;
+    EXPECT_TRUE(fs::remove(kept));
+    fs::create_directory(kept);  // opens, and cannot be read
+    return true;
+  });
+  EXPECT_EQ(result.imported + result.known, 0U);
+  ASSERT_EQ(result.unreadable.size(), 1U);
+  EXPECT_NE(result.unreadable[0].reason.find("but they cannot be compared"), std::string::npos);
 }
 
 TEST_F(ImportTest, CancellingLeavesFilesAndIndexAsTheyWere) {
