@@ -145,6 +145,18 @@ def check_past(checks, program, study, top):
     run = Run(program, ["history", folder])
     checks.that("(no time)" in run.out, "history shows a report without a time", run)
     told(checks, Run(program, ["info", study]), 0, "Labels   none stored")
+    before = Run(program, ["history", folder, "--json"]).json()["labellings"]
+    for length in (newest.stat().st_size - 1, 3000):  # the whole header is in it
+        newest.write_bytes(newest.read_bytes()[:length])
+        damage = "it is truncated or damaged: it ends in the middle of an element"
+        told(checks, Run(program, ["info", folder]), 0, f"{newest} does not count as a labelling: {damage}.")
+        run = Run(program, ["history", folder])
+        told(checks, run, 0, f"cannot be read: {damage}")
+        after = Run(program, ["history", folder, "--json"]).json()["labellings"]
+        checks.that([each["object"] for each in after] == [each["object"] for each in before],
+                    f"{length} bytes: each labelling keeps its number", run)
+    told(checks, Run(program, ["show", folder]), 1,
+         f"The stored labelling {newest} does not count, for it cannot be read: {damage}.")
 
 
 def listens(process):

@@ -64,6 +64,7 @@ FileContents readFileContents(const fs::path& file) {
   } else if (any.header) {
     contents.kind = FileKind::object;
     contents.header = std::move(any.header);
+    contents.reason = std::move(any.damage);
     if (any.report) {
       contents.labelling = decode(*any.report);
       if (*any.report) contents.report = *std::move(*any.report);

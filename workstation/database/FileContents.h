@@ -31,7 +31,8 @@ struct DecodedLabelling {
 
 struct FileContents {
   FileKind kind = FileKind::notDicom;
-  std::string reason;                         ///< of an unreadable file: a phrase that follows "because"
+  std::string reason;                         ///< of an unreadable file: a phrase that follows "because";
+                                              ///< likewise of an object that is damaged behind its header
   std::vector<ImageRecord> images;            ///< of an image, in order of the frames
   std::optional<ObjectHeader> header;         ///< of an object
   std::optional<DecodedLabelling> labelling;  ///< of a report with the labellings' series number and description

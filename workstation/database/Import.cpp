@@ -115,6 +115,10 @@ class Importer {
         takeObject(source, contents.images.front().studyInstanceUid, contents.images.front().sopInstanceUid, contents);
         return;
       case FileKind::object:
+        if (!contents.reason.empty()) {  // it would keep a whole file of the same object out
+          result_.unreadable.push_back({path, contents.reason});
+          return;
+        }
         takeObject(source, contents.header->studyInstanceUid, contents.header->sopInstanceUid, contents);
         return;
     }

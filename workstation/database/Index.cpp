@@ -220,7 +220,7 @@ std::optional<FileStamp> Index::fileOf(const std::string& studyUid, const std::s
                   "SELECT folder, name, size, mtime_ns FROM series JOIN image ON image.series_id = series.id "
                   "JOIN file ON file.id = image.file_id WHERE study_uid = ?1 AND sop_uid = ?2 UNION ALL "
                   "SELECT folder, name, size, mtime_ns FROM object JOIN file ON file.id = object.file_id "
-                  "WHERE study_uid = ?1 AND sop_uid = ?2 LIMIT 1");
+                  "WHERE study_uid = ?1 AND sop_uid = ?2 AND reason IS NULL LIMIT 1");
   query.bind(1, studyUid);
   query.bind(2, sopInstanceUid);
   if (!query.executeStep()) return std::nullopt;

@@ -109,7 +109,7 @@ class Index {
   bool isImported(const FileStamp& source);
   /// Enters of which sources files of the index are copies.
   void rememberSources(const std::vector<ImportedFile>& copies);
-  /// The file with this object.
+  /// The file with this object, undamaged.
   std::optional<FileStamp> fileOf(const std::string& studyUid, const std::string& sopInstanceUid);
 
   /// The whole index as the bytes of a file.

@@ -113,7 +113,7 @@ void LabellingStore::Interior::importFile(const std::string& path) {
     }
   }
   for (const ShelvedReport& known : shelf_.labellings(report->studyInstanceUid)) {
-    if (known.sopInstanceUid == report->sopInstanceUid) return;
+    if (known.labelling && known.sopInstanceUid == report->sopInstanceUid) return;
   }
   const Outcome outcome =
       failing_ ? Outcome::refused("no space is left on the device.")

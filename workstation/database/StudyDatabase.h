@@ -97,7 +97,8 @@ class StudyDatabase final : public ReportShelf {
 
   // --- ReportShelf -------------------------------------------------------------------------------------------------
   bool holdsStudy(const std::string& studyUid) override;
-  /// An object that lies in several files is listed with the first by path.
+  /// An object that lies in several files is listed with the first by path, a labelling with the first that can be
+  /// read.
   std::vector<ReportSeries> reportSeries(const std::string& studyUid) override;
   std::vector<ShelvedReport> labellings(const std::string& studyUid) override;
   std::optional<StoredReport> reportReadLast(const std::filesystem::path& file) override {

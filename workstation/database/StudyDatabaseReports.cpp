@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <set>
 #include <system_error>
 #include <utility>
 
@@ -17,14 +16,25 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The structured reports, an object that lies in several files with the first of them.
+bool canBeRead(const IndexedObject& report) { return !report.labelling || report.labelling->labelling; }
+
+/// The structured reports, an object that lies in several files with the first of them that can be read.
 std::vector<IndexedObject> reportsAmong(std::vector<IndexedObject> objects) {
-  std::set<std::string> seen;
-  std::erase_if(objects, [&](const IndexedObject& object) {
-    return !object.isReport ||
-           (!object.header.sopInstanceUid.empty() && !seen.insert(object.header.sopInstanceUid).second);
-  });
-  return objects;
+  std::map<std::string, std::size_t> places;  // by UID
+  std::vector<IndexedObject> reports;
+  for (IndexedObject& object : objects) {
+    if (!object.isReport) continue;
+    if (!object.header.sopInstanceUid.empty()) {
+      const auto [place, isNew] = places.try_emplace(object.header.sopInstanceUid, reports.size());
+      if (!isNew) {
+        IndexedObject& first = reports[place->second];
+        if (!canBeRead(first) && canBeRead(object)) first = std::move(object);
+        continue;
+      }
+    }
+    reports.push_back(std::move(object));
+  }
+  return reports;
 }
 
 fs::path wholePath(const fs::path& path) {

@@ -61,8 +61,5 @@ Result<StoredReport> readReport(const pelmar::Bytes& file);
 /// The same for whom the archive is enough: where there is one, what the content says may be left out, `content` and
 /// `context`. With thousands of slices that is many times as fast.
 Result<StoredReport> readReportForArchive(const std::filesystem::path& file);
-/// Reads no more than the identifiers, numbers, description and time of a report: what comes after them in the file is
-/// not looked at, so that it may be damaged, and the archive and the content are left out.
-Result<StoredReport> readReportHeader(const std::filesystem::path& file);
 
 }  // namespace workstation

@@ -124,11 +124,4 @@ Result<StoredReport> readReportForArchive(const std::filesystem::path& file) {
   return report && !report->archive.empty() ? report : readReport(file);
 }
 
-Result<StoredReport> readReportHeader(const std::filesystem::path& file) {
-  ParsedFile parsed;
-  std::string problem;
-  if (!parsed.parseHeader(file, problem)) return Result<StoredReport>::refused(problem);
-  return headerIn(parsed);
-}
-
 }  // namespace workstation

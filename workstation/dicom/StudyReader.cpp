@@ -7,6 +7,7 @@
 #include <array>
 #include <cctype>
 #include <string_view>
+#include <utility>
 
 #include "workstation/dicom/AnyFile.h"
 #include "workstation/dicom/Attributes.h"
@@ -86,7 +87,8 @@ bool readRecords(DcmDataset& dataset, const fs::path& file, std::vector<ImageRec
   return true;
 }
 
-void readDicom(const fs::path& file, FileSignature signature, ParsedFile& parsed, ReadResult& result) {
+/// Why the structure cannot be read; empty when it can.
+std::string readDicom(const fs::path& file, FileSignature signature, ParsedFile& parsed, ReadResult& result) {
   std::string problem;
   if (!parsed.parse(file, problem)) {
     const bool isCertain = signature == FileSignature::dicom || isNamedAsImage(file);
@@ -94,7 +96,7 @@ void readDicom(const fs::path& file, FileSignature signature, ParsedFile& parsed
       result.unreadable.push_back({file, problem});
     else
       result.notDicom.push_back(file);
-    return;
+    return problem;
   }
   if (parsed.mediaStorageSopClass() == UID_MediaStorageDirectoryStorage)
     result.directories.push_back(file);
@@ -102,13 +104,14 @@ void readDicom(const fs::path& file, FileSignature signature, ParsedFile& parsed
     result.otherObjects.push_back(file);
   else if (!readRecords(parsed.dataset(), file, result.images, problem))
     result.unreadable.push_back({file, problem});
+  return "";
 }
 
-/// `parsed` holds its structure where it is DICOM.
-void readFile(const fs::path& file, ParsedFile& parsed, ReadResult& result) {
+/// `parsed` holds its structure where it is DICOM. Why it does not, though the file seems to be DICOM; else empty.
+std::string readFile(const fs::path& file, ParsedFile& parsed, ReadResult& result) {
   if (isNamedAsDirectory(file)) {
     result.directories.push_back(file);
-    return;
+    return "";
   }
   std::string problem;
   const FileSignature signature = signatureOf(file, problem);
@@ -130,9 +133,24 @@ void readFile(const fs::path& file, ParsedFile& parsed, ReadResult& result) {
       break;
     case FileSignature::dicom:
     case FileSignature::headerless:
-      readDicom(file, signature, parsed, result);
-      break;
+      return readDicom(file, signature, parsed, result);
   }
+  return "";
+}
+
+/// What the header says of a report that is damaged behind it.
+void readHeader(const fs::path& file, const std::string& damage,
+                const std::function<bool(const ObjectHeader&)>& isWantedAsReport, AnyFile& read) {
+  ParsedFile parsed;
+  std::string problem;
+  if (!parsed.parseHeader(file, problem)) return;
+  ObjectHeader header = objectHeaderIn(parsed);
+  if (header.studyInstanceUid.empty() || !isWantedAsReport(header)) return;
+  read.lists = {};
+  read.lists.otherObjects.push_back(file);
+  read.header = std::move(header);
+  read.report = Result<StoredReport>::refused(damage);
+  read.damage = damage;
 }
 
 }  // namespace
@@ -145,8 +163,9 @@ void readImageFile(const fs::path& file, ReadResult& result) {
 AnyFile readAnyFile(const fs::path& file, const std::function<bool(const ObjectHeader&)>& isWantedAsReport) {
   AnyFile read;
   ParsedFile parsed;
-  readFile(file, parsed, read.lists);
-  if (read.lists.otherObjects.empty()) return read;
+  const std::string damage = readFile(file, parsed, read.lists);
+  if (!damage.empty()) readHeader(file, damage, isWantedAsReport, read);
+  if (read.lists.otherObjects.empty() || read.header) return read;
   read.header = objectHeaderIn(parsed);
   std::error_code error;
   if (isWantedAsReport(*read.header)) read.report = reportIn(parsed, fs::file_size(file, error));

@@ -4,10 +4,12 @@
 #include <dcmtk/dcmdata/dctk.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <fstream>
+#include <stdexcept>
 
 #include "FolderFixtures.h"
 #include "workstation/database/LabellingStore.h"
@@ -199,6 +201,68 @@ TEST_F(FolderReportsTest, UnreadableLabellingIsListedWithItsReason) {
   ASSERT_EQ(reports.size(), 1U);
   EXPECT_FALSE(reports[0].labelling);
   EXPECT_NE(reports[0].problem, "");
+}
+
+/// How many bytes of a report's file it takes to say to which series it belongs and which of its objects it is,
+/// Instance Number (0020,0013) being the last of them.
+std::size_t headerLength(const pelmar::Bytes& report) {
+  const std::array<std::uint8_t, 6> element = {0x20, 0, 0x13, 0, 'I', 'S'};
+  const auto found = std::search(report.begin(), report.end(), element.begin(), element.end());
+  if (report.end() - found < 8) throw std::runtime_error("the report has no Instance Number");
+  return static_cast<std::size_t>(found - report.begin()) + 8 + found[6] + 256U * found[7];
+}
+
+TEST_F(FolderReportsTest, ReportThatIsCutBehindItsHeaderIsALabellingThatCannotBeRead) {
+  const pelmar::Bytes whole = reportOn(image(), lumbarAt(2), 2);
+  const std::size_t header = headerLength(whole);
+  writeBytes(path() / "1.dcm", reportOn(image(), lumbarAt(1), 1));
+  for (const std::size_t length : {header + 12, (header + whole.size()) / 2, whole.size() - 1}) {
+    SCOPED_TRACE(length);
+    writeBytes(path() / "2.dcm", {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)});
+    const auto database = openInPlace(path());
+    const std::vector<ShelvedReport> reports = database->labellings(studyUid());
+    ASSERT_EQ(reports.size(), 2U);
+    EXPECT_EQ(reports[1].file, path() / "2.dcm");
+    EXPECT_EQ(reports[1].sopInstanceUid, reportUid(2));
+    EXPECT_EQ(reports[1].seriesInstanceUid, reports[0].seriesInstanceUid);
+    EXPECT_EQ(reports[1].instanceNumber, 2);
+    EXPECT_EQ(reports[1].contentTime, (ContentTime{"20240301", "100002.000000"}));
+    EXPECT_FALSE(reports[1].labelling);
+    EXPECT_NE(reports[1].problem.find("truncated or damaged"), std::string::npos) << reports[1].problem;
+    EXPECT_EQ(levelsIn(*database), std::vector<double>{1});
+    EXPECT_TRUE(database->unreadableFiles().empty()) << "it is told of as a labelling";
+  }
+}
+
+TEST_F(FolderReportsTest, ReportThatIsCutInItsHeaderIsAFileThatCannotBeUsed) {
+  const pelmar::Bytes whole = reportOn(image(), lumbarAt(2), 2);
+  for (const std::size_t length : {headerLength(whole) - 1, headerLength(whole) / 2}) {
+    SCOPED_TRACE(length);
+    writeBytes(path() / "2.dcm", {whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)});
+    const auto database = openInPlace(path());
+    EXPECT_TRUE(database->labellings(studyUid()).empty());
+    ASSERT_EQ(database->unreadableFiles().size(), 1U);
+    EXPECT_EQ(database->unreadableFiles()[0].file, path() / "2.dcm");
+  }
+}
+
+TEST_F(FolderReportsTest, CutReportOfAnotherKindIsAFileThatCannotBeUsed) {
+  writeBytes(path() / "r.dcm", reportOn(image(), lumbarAt(1), 1));
+  edit(path() / "r.dcm", [](DcmDataset& dataset) { dataset.putAndInsertString(DCM_SeriesNumber, "3"); });
+  truncate(path() / "r.dcm", fs::file_size(path() / "r.dcm") - 1);
+  const auto database = openInPlace(path());
+  EXPECT_TRUE(database->labellings(studyUid()).empty());
+  EXPECT_EQ(database->unreadableFiles().size(), 1U);
+}
+
+TEST_F(FolderReportsTest, WholeCopyOfACutReportCounts) {
+  const pelmar::Bytes whole = reportOn(image(), lumbarAt(2), 2);
+  writeBytes(path() / "a.dcm", {whole.begin(), whole.end() - 1});
+  writeBytes(path() / "b.dcm", whole);
+  const auto database = openInPlace(path());
+  ASSERT_EQ(database->labellings(studyUid()).size(), 1U);
+  EXPECT_EQ(database->labellings(studyUid())[0].file, path() / "b.dcm");
+  EXPECT_EQ(levelsIn(*database), std::vector<double>{2});
 }
 
 TEST_F(FolderReportsTest, EmptyStateIsALabellingThatMarksNoStudy) {

@@ -176,6 +176,22 @@ TEST_F(ImportTest, FileThatCannotBeComparedIsNamedAndNotTaken) {
   EXPECT_NE(result.unreadable[0].reason.find("but they cannot be compared"), std::string::npos);
 }
 
+TEST_F(ImportTest, DamagedReportIsNotTakenAndKeepsTheWholeOneNotOut) {
+  const pelmar::Bytes whole = reportOn(source_.path() / "sag/1.dcm", lumbarAt(3), 1);
+  const fs::path report = source_.path() / "report.dcm";
+  writeBytes(report, {whole.begin(), whole.end() - 1});
+  const auto database = openAsDatabase(folder_.path());
+  const ImportResult first = database->importFiles({source_.path()});
+  EXPECT_EQ(first.imported, 3U);
+  ASSERT_EQ(first.unreadable.size(), 1U);
+  EXPECT_EQ(first.unreadable[0].file, report);
+  EXPECT_NE(first.unreadable[0].reason.find("truncated"), std::string::npos) << first.unreadable[0].reason;
+  fs::copy(report, folder_.path() / "studies" / studyUid() / "damaged.dcm");
+  writeBytes(report, whole);
+  EXPECT_EQ(database->importFiles({source_.path()}).imported, 1U);
+  EXPECT_EQ(levelsIn(*database), std::vector<double>{3});
+}
+
 TEST_F(ImportTest, CancellingLeavesFilesAndIndexAsTheyWere) {
   const auto database = openAsDatabase(folder_.path());
   write(axialImage(9), source_.file("first/9.dcm"));

@@ -202,6 +202,20 @@ TEST(IndexFileTest, SecondVersionIsUpgradedAndOnlyImagesWithoutGeometryAreReadAg
   EXPECT_FALSE(images[1].geometry);
 }
 
+TEST(IndexFileTest, ThirdVersionIsUpgradedAndOnlyUnreadableFilesAreReadAgain) {
+  const TemporaryFolder folder;
+  writeStudy(folder.path());
+  truncate(folder.path() / "sag/2.dcm", 300);
+  store(*openInPlace(folder.path()), lumbarAt(1), 1);
+  execute(folder.path() / ".vertana/index.sqlite", "PRAGMA user_version = 3");
+  std::size_t reads = 0;
+  const auto database = openInPlace(folder.path(), countingReads(reads));
+  EXPECT_EQ(reads, 1U);
+  EXPECT_TRUE(database->notices().empty());
+  EXPECT_EQ(database->images(studyUid()).size(), 2U);
+  EXPECT_EQ(database->unreadableFiles().size(), 1U);
+}
+
 TEST(IndexFileTest, FirstVersionOfADatabaseIsUpgradedInItsPlace) {
   const TemporaryFolder source;
   const TemporaryFolder folder;

@@ -10,6 +10,7 @@
 
 #include "ReportFixtures.h"
 #include "tests/support/Requirements.h"
+#include "workstation/dicom/AnyFile.h"
 
 namespace workstation::test {
 namespace {
@@ -141,18 +142,31 @@ TEST(ReportReader, RefusesContentThatIsNestedWithoutEnd) {
   EXPECT_EQ(readReport(folder.file("nested.dcm")).problem, "its sequences are nested too deeply");
 }
 
-TEST(ReportReader, ReadsTheHeaderAlone) {
+TEST(AnyFile, TellsTheHeaderOfAWantedReportThatIsDamagedBehindIt) {
   TemporaryFolder folder;
   const fs::path file = writeReport(folder, reportOf(folder, labellingOf(2, false)));
   const StoredReport whole = stored(file);
-  const Result<StoredReport> header = readReportHeader(file);
-  ASSERT_TRUE(header) << header.problem;
-  expectSameHeader(*header, whole);
-  EXPECT_TRUE(header->archive.empty());
-  EXPECT_FALSE(header->content);
-  write(sagittalImage(), folder.file("other.dcm"));
-  EXPECT_EQ(readReportHeader(folder.file("other.dcm")).problem, "it is not a structured report");
-  EXPECT_FALSE(readReportHeader(folder.file("missing.dcm")));
+  truncate(file, fs::file_size(file) / 2);
+  const auto always = [](const ObjectHeader&) { return true; };
+  const AnyFile read = readAnyFile(file, always);
+  ASSERT_TRUE(read.header);
+  EXPECT_EQ(read.header->studyInstanceUid, whole.studyInstanceUid);
+  EXPECT_EQ(read.header->seriesInstanceUid, whole.seriesInstanceUid);
+  EXPECT_EQ(read.header->seriesNumber, whole.seriesNumber);
+  EXPECT_EQ(read.header->seriesDescription, whole.seriesDescription);
+  EXPECT_EQ(read.header->sopInstanceUid, whole.sopInstanceUid);
+  EXPECT_EQ(read.header->instanceNumber, whole.instanceNumber);
+  EXPECT_EQ((ContentTime{read.header->contentDate, read.header->contentTime}), whole.contentTime);
+  EXPECT_EQ(read.damage, "it is truncated or damaged: it ends in the middle of an element");
+  EXPECT_EQ(read.lists.otherObjects, std::vector<fs::path>{file});
+  EXPECT_TRUE(read.lists.unreadable.empty());
+  ASSERT_TRUE(read.report);
+  EXPECT_EQ(read.report->problem, read.damage);
+
+  const AnyFile unwanted = readAnyFile(file, [](const ObjectHeader&) { return false; });
+  EXPECT_FALSE(unwanted.header);
+  EXPECT_EQ(unwanted.lists.unreadable.size(), 1U);
+  EXPECT_FALSE(readAnyFile(folder.file("missing.dcm"), always).header);
 }
 
 /// Reports of others must not disturb: they are read, and are no labelling.

@@ -7,7 +7,7 @@ CREATE TABLE file (
   size     INTEGER NOT NULL,  -- bytes
   mtime_ns INTEGER NOT NULL,  -- since 1970; with the size it tells whether the file is the one that was read
   kind     INTEGER NOT NULL,  -- FileKind in FileContents.h
-  reason   TEXT,              -- of an unreadable file: why
+  reason   TEXT,              -- of an unreadable or damaged file: why
   UNIQUE (folder, name)
 );
 
