@@ -104,7 +104,8 @@ class StudyDatabase final : public ReportShelf {
   std::optional<StoredReport> reportReadLast(const std::filesystem::path& file) override {
     return lastReport_.find(file);
   }
-  /// Beside the study's first image, under a plain name, so that who copies the images copies the report.
+  /// Beside the study's first image, under a plain name, so that who copies the images copies the report; in the folder
+  /// that is open itself where a link leads out of it to the image.
   std::filesystem::path freshPath(const std::string& studyUid, std::string_view extension) override;
   /// Refused also when the bytes are no structured report of that study, when there is such a file already, and when
   /// the file would not lie in the folder that is open. Once it returns, the report survives a loss of power.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -37,10 +38,20 @@ std::vector<IndexedObject> reportsAmong(std::vector<IndexedObject> objects) {
   return reports;
 }
 
-fs::path wholePath(const fs::path& path) {
+/// Without links and dots, as far as it exists.
+fs::path realPath(const fs::path& path) {
   std::error_code error;
-  const fs::path whole = fs::absolute(path.empty() ? "." : path, error).lexically_normal();
-  return whole.has_filename() ? whole : whole.parent_path();
+  const fs::path whole = fs::absolute(path.empty() ? "." : path, error);
+  fs::path real = fs::weakly_canonical(whole, error);
+  if (error) real = whole.lexically_normal();
+  return real.has_filename() ? real : real.parent_path();
+}
+
+/// The folder as it is named from `root`, empty for that itself; nothing when it does not really lie there.
+std::optional<fs::path> folderBelow(const fs::path& root, const fs::path& folder) {
+  const fs::path relative = realPath(folder).lexically_relative(realPath(root));
+  if (relative.empty() || *relative.begin() == "..") return std::nullopt;
+  return relative == "." ? fs::path() : relative;
 }
 
 Outcome checkReport(const std::string& studyUid, const fs::path& file, const pelmar::Bytes& bytes) {
@@ -104,7 +115,8 @@ ShelvedReport StudyDatabase::shelved(IndexedObject report) const {
 fs::path StudyDatabase::freshPath(const std::string& studyUid, std::string_view extension) {
   const std::optional<FileStamp> image = withIndex([&] { return index_->firstImage(studyUid); });
   fs::path folder = kind_ == Kind::database ? root_ / nameForUid(studyUid) : root_;
-  if (image && !image->folder.empty()) folder = root_ / image->folder;
+  // What a link leads to is looked at, not written to.
+  if (image && !image->folder.empty() && folderBelow(root_, root_ / image->folder)) folder = root_ / image->folder;
   std::string name = std::string(reportFilePrefix) + freshUid();
   if (!extension.empty()) name += "." + std::string(extension);
   return folder / name;
@@ -112,11 +124,11 @@ fs::path StudyDatabase::freshPath(const std::string& studyUid, std::string_view 
 
 /// Where the file lies in the folder that is open.
 Result<FileStamp> StudyDatabase::placeOf(const fs::path& file) const {
-  const fs::path relative = wholePath(file).lexically_relative(wholePath(root_));
-  if (relative.empty() || *relative.begin() == ".." || relative == ".")
+  const std::optional<fs::path> folder = folderBelow(root_, file.parent_path());
+  if (!folder)
     return Result<FileStamp>::refused("The report " + file.string() + " is not stored: it would not lie in " +
                                       root_.string() + ".");
-  return Result<FileStamp>::of({relative.parent_path().string(), relative.filename().string(), 0, 0});
+  return Result<FileStamp>::of({folder->string(), file.filename().string(), 0, 0});
 }
 
 Outcome StudyDatabase::store(const std::string& studyUid, const fs::path& file, const pelmar::Bytes& bytes) {

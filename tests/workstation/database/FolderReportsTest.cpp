@@ -139,6 +139,32 @@ TEST_F(FolderReportsTest, ForeignOrBrokenReportsAreNotStored) {
   EXPECT_EQ(photographOf(path()), before);
 }
 
+TEST_F(FolderReportsTest, NothingIsStoredWhereALinkLeadsOutOfTheFolder) {
+  const TemporaryFolder linked;
+  fs::create_directory_symlink(path() / "sag", linked.path() / "SE01");
+  const auto before = photographOf(path());
+  {
+    const auto database = openInPlace(linked.path());
+    EXPECT_EQ(database->images(studyUid()).size(), 3U);
+    EXPECT_EQ(store(*database, lumbarAt(1), 1).parent_path(), linked.path());
+    const Outcome through =
+        database->store(studyUid(), linked.path() / "SE01/x.dcm", reportOn(image(), lumbarAt(2), 2));
+    ASSERT_FALSE(through);
+    EXPECT_NE(through.problem->find("would not lie in"), std::string::npos) << *through.problem;
+  }
+  EXPECT_EQ(photographOf(path()), before);
+  EXPECT_EQ(levelsIn(*openInPlace(linked.path())), std::vector<double>{1});
+}
+
+TEST_F(FolderReportsTest, FolderThatIsNamedByALinkIsStoredTo) {
+  const TemporaryFolder linked;
+  fs::create_directory_symlink(path(), linked.path() / "study");
+  const auto database = openInPlace(linked.path() / "study");
+  EXPECT_EQ(store(*database, lumbarAt(1), 1).parent_path(), linked.path() / "study/sag");
+  EXPECT_EQ(levelsIn(*database), std::vector<double>{1});
+  EXPECT_EQ(levelsIn(*openInPlace(path())), std::vector<double>{1});
+}
+
 TEST_F(FolderReportsTest, LeftoverOfACrashIsIgnoredAndCleanedUpLater) {
   const fs::path old = path() / "sag/.vertana-00112233aabbccdd.tmp";
   const fs::path young = path() / "sag/.vertana-ffeeddccbbaa0099.tmp";
