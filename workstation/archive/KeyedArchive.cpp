@@ -15,7 +15,7 @@ namespace {
 using pelmar::Value;
 
 Result<Value> refused(const std::string& why) {
-  return Result<Value>::refused("The archive cannot be read: " + why + ".");
+  return Result<Value>::refused(std::string(archiveRefusal) + why + ".");
 }
 
 template <class List>

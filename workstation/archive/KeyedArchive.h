@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/Database.h"
@@ -17,6 +18,9 @@ namespace workstation {
 /// The archive of a value made of nil-free arrays, dictionaries, strings, numbers and points. Refused, with a sentence,
 /// when something in it cannot be archived.
 Result<pelmar::Bytes> writeArchive(const pelmar::Value& root);
+
+/// With this the sentence of a refusal to read begins.
+inline constexpr std::string_view archiveRefusal = "The archive cannot be read: ";
 
 /// The value in an archive, its points made by `points`. Refused, with a sentence that says what is wrong and where,
 /// when it is not one, or exceeds a bound (see ArchiveBounds.h). The bytes must be the archive exactly: a binary one

@@ -44,6 +44,8 @@ DecodedLabelling decodeLabelling(const StoredReport& report) {
   const Result<pelmar::Value> root = readPaddedArchive(report.archive, points);
   if (!root) {
     decoded.problem = asPhrase(root.problem);
+    // Who tells of it says already that it cannot be read.
+    if (decoded.problem.starts_with(archiveRefusal)) decoded.problem.erase(0, archiveRefusal.size());
     return decoded;
   }
   decoded.labelling = labellingFromValue(*root);

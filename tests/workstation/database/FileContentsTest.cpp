@@ -35,6 +35,12 @@ TEST(FileContents, TwoBytesMoreAreNoPad) {
   EXPECT_NE(decoded.problem.find("followed by other bytes"), std::string::npos) << decoded.problem;
 }
 
+TEST(FileContents, WhyAnArchiveCannotBeReadIsAPhraseAlone) {
+  StoredReport report;
+  report.archive = {1, 2, 3, 4};
+  EXPECT_EQ(decodeLabelling(report).problem, "it is neither a binary property list nor one in XML");
+}
+
 TEST(FileContents, TheContentCountsOnlyWhereThereIsNoArchive) {
   StoredReport report;
   report.content = lumbarAt(7);
