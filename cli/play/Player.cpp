@@ -87,7 +87,9 @@ std::optional<Failure> Player::runStep(const DumpStep& step) {
   alerts_.clear();
   addresses_.clear();
   out_ << dumpLine(workstation(), process_->session.store(), header) << '\n' << std::flush;
-  return std::nullopt;
+  if (out_) return std::nullopt;
+  out_.clear();  // it is told here, and not again at the end
+  return Failure{ExitNotAllowed, "The dump could not be written to standard output."};
 }
 
 }  // namespace cli
