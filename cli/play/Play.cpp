@@ -1,22 +1,60 @@
 #include "cli/play/Play.h"
 
-#include <fstream>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
 #include <iostream>
-#include <iterator>
+#include <system_error>
 
 #include "cli/Console.h"
 #include "cli/play/Player.h"
 #include "cli/play/ScriptReader.h"
+#include "workstation/database/AtomicFile.h"
 
 namespace cli {
 
 namespace {
 
+/// A step takes some hundred bytes. What is longer is another file, or a device that never ends.
+constexpr std::size_t longestScript = std::size_t{64} << 20;
+
+Failure unreadable(const std::string& file, int error) {
+  const std::string begin = "The script " + file + " cannot be read";
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+      return {ExitUnreadable, begin + ": check that there is such a file."};
+    case EISDIR:
+      return {ExitUnreadable, begin + ": it is a folder; give the file that holds the script."};
+    case EACCES:
+    case EPERM:
+      return {ExitUnreadable, begin + ": you have no permission to; ask its owner for it."};
+    default:
+      return {ExitUnreadable, begin + " (" + std::generic_category().message(error) +
+                                  "): check the disk or the medium it is on and try again."};
+  }
+}
+
 Expected<std::string> textOfFile(const std::string& file) {
-  std::ifstream in(file, std::ios::binary);
-  std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (!in) return Failure{ExitUnreadable, "The script " + file + " cannot be read: check that there is such a file."};
-  return text;
+  const workstation::Descriptor in(::open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!in.isOpen()) return unreadable(file, errno);
+  std::string text;
+  std::array<char, 1 << 16> block{};
+  while (true) {
+    const ssize_t count = ::read(in.number(), block.data(), block.size());
+    if (count == 0) return text;
+    if (count > 0) {
+      text.append(block.data(), static_cast<std::size_t>(count));
+      if (text.size() > longestScript) {
+        return Failure{ExitUnreadable,
+                       "The script " + file + " cannot be read: it is longer than 64 MB, as no script is."};
+      }
+    } else if (errno != EINTR) {
+      return unreadable(file, errno);
+    }
+  }
 }
 
 std::optional<Failure> playSteps(const Script& script, Player& player) {
