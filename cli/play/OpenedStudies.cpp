@@ -4,10 +4,13 @@
 
 #include "cli/Console.h"
 #include "cli/StudyReading.h"
+#include "workstation/dicom/FileSignature.h"
+#include "workstation/dicom/LabellingReport.h"
 
 namespace cli {
 
 namespace fs = std::filesystem;
+using workstation::FileSignature;
 using workstation::ImageRecord;
 using workstation::StudyDatabase;
 using Images = std::vector<ImageRecord>;
@@ -35,6 +38,7 @@ Failure noImage(const std::string& path) {
 std::optional<Failure> missing(const std::string& path) {
   std::error_code error;
   if (fs::exists(path, error)) return std::nullopt;
+  if (error) return Failure{ExitUnreadable, path + " cannot be reached: " + error.message() + "."};
   return Failure{ExitUnreadable, (path.empty() ? "A path without a name" : path) + " does not exist."};
 }
 
@@ -46,6 +50,45 @@ fs::path freeName(const fs::path& folder, const fs::path& name) {
     candidate = folder / (name.stem().string() + "-" + std::to_string(number) + name.extension().string());
   }
   return candidate;
+}
+
+Failure notAdded(const std::string& file, const std::string& reason) {
+  return {ExitNotAllowed, file + " was not added: " + reason + "."};
+}
+
+/// Nothing where the file is a structured report, as far as its header tells: a damaged one can be added.
+std::optional<Failure> checkReport(const std::string& file) {
+  std::error_code error;
+  if (fs::is_directory(file, error))
+    return Failure{ExitUnreadable, file + " is a folder: give the file of one report."};
+  auto problem = fs::is_regular_file(file, error) ? std::string() : "it is no ordinary file";
+  if (problem.empty()) {
+    const auto signature = workstation::signatureOf(file, problem);
+    const bool isDicom = signature == FileSignature::dicom || signature == FileSignature::headerless;
+    if (!isDicom && problem.empty()) problem = "it is no DICOM file";
+  }
+  if (problem.empty()) problem = workstation::readReportHeader(file).problem;
+  if (problem.empty()) return std::nullopt;
+  return Failure{ExitUnreadable, file + " is no report that can be added to a study: " + problem + "."};
+}
+
+std::optional<Failure> copyReport(const std::string& path, const std::string& file) {
+  std::error_code error;
+  const auto folder = fs::is_directory(path, error) ? fs::path(path) : fs::path(path).parent_path();
+  const auto target = freeName(folder, fs::path(file).filename());
+  fs::copy_file(file, target, error);
+  if (!error) return std::nullopt;
+  return Failure{ExitNotAllowed, file + " could not be copied to " + target.string() + ": " + error.message() + "."};
+}
+
+/// Through another opening of the database, as another process would.
+std::optional<Failure> importReport(const std::string& databaseFolder, const std::string& file) {
+  auto another = openAt(databaseFolder, true);
+  if (!another) return another.failure;
+  const auto result = (*another)->importFiles({file});
+  if (!result.problem.empty()) return Failure{ExitNotAllowed, result.problem};
+  if (!result.unreadable.empty()) return notAdded(file, result.unreadable.front().reason);
+  return result.imported > 0 ? std::nullopt : std::optional(notAdded(file, "the database holds it already"));
 }
 
 }  // namespace
@@ -120,22 +163,11 @@ Images OpenedStudies::images(const std::string& studyUid) {
 }
 
 std::optional<Failure> OpenedStudies::addReport(const std::string& path, const std::string& file) const {
-  if (auto failure = missing(file)) return failure;
-  if (!databaseFolder_.empty()) {
-    auto another = openAt(databaseFolder_, true);
-    if (!another) return another.failure;
-    const auto result = importStudies(**another, databaseFolder_, {file});
-    if (!result) return result.failure;
-    if (result->imported > 0) return std::nullopt;
-    return Failure{ExitNotAllowed, file + " was not added: it is no DICOM object, or the database holds it already."};
+  for (const auto& place : {file, path}) {
+    if (auto failure = missing(place)) return failure;
   }
-  if (auto failure = missing(path)) return failure;
-  std::error_code error;
-  const auto folder = fs::is_directory(path, error) ? fs::path(path) : fs::path(path).parent_path();
-  const auto target = freeName(folder, fs::path(file).filename());
-  fs::copy_file(file, target, error);
-  if (!error) return std::nullopt;
-  return Failure{ExitNotAllowed, file + " could not be copied to " + target.string() + ": " + error.message() + "."};
+  if (auto failure = checkReport(file)) return failure;
+  return databaseFolder_.empty() ? copyReport(path, file) : importReport(databaseFolder_, file);
 }
 
 }  // namespace cli

@@ -25,7 +25,8 @@ class OpenedStudies {
   Expected<std::vector<workstation::ImageRecord>> addPath(const std::string& path);
   /// The images of a study; empty when it is in none of what is open.
   std::vector<workstation::ImageRecord> images(const std::string& studyUid);
-  /// What another process would do to put a report into the study at `path`.
+  /// What another process would do to put a report into the study at `path`. A path or file that does not exist, and a
+  /// file that is no structured report, is a Failure.
   std::optional<Failure> addReport(const std::string& path, const std::string& file) const;
 
   workstation::ReportShelf& shelf() { return shelves_; }
