@@ -50,6 +50,8 @@ struct MenuStep {
   int viewer = 0;
   std::string title;
 };
+/// The most moves of the mouse in a line or a drag: the plug-in works at each, and a script that ends is wanted.
+constexpr int mostMoves = 10000;
 enum class DrawnType { line, polygon };
 struct DrawStep {
   static constexpr const char* word = "draw";
@@ -57,7 +59,7 @@ struct DrawStep {
   std::optional<int> slice;  ///< the one that is shown, where absent
   DrawnType type = DrawnType::line;
   std::vector<pelmar::PixelPoint> points;  ///< two of a line, at least one of a polygon
-  int moves = 8;                           ///< of a line
+  int moves = 8;                           ///< of a line, 1 to mostMoves
   bool release = true;
 };
 /// Ends what is being drawn.
@@ -73,7 +75,7 @@ struct DragVertexStep {
   NamedRoi roi = NamedRoi::curve;
   int vertex = 0;
   pelmar::PixelPoint to;
-  int moves = 4;
+  int moves = 4;  ///< 1 to mostMoves
 };
 /// Exactly one of the two is there.
 struct DeleteRoiStep {
@@ -128,9 +130,9 @@ struct PanStep {
 enum class PaletteButton { stopWorkFlow, reset, openHelp, close };
 /// At least one is there; they are set in the order of the members.
 struct PaletteSettings {
-  std::optional<int> anatomicalRegion;
+  std::optional<int> anatomicalRegion;  ///< -1 (none) to 2
   std::optional<bool> additionalVertebra;
-  std::optional<int> drawMode;
+  std::optional<int> drawMode;  ///< 0 (line) or 1 (polygon)
   std::optional<bool> displayLabels;
 };
 /// Exactly one of the two is there.

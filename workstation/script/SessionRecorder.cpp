@@ -159,7 +159,7 @@ void SessionRecorder::annotationToolChosen(int viewer, long tag) {
 // --- drawing and dragging --------------------------------------------------------------------------------------------
 
 std::optional<Step> SessionRecorder::stepOf(const Stroke& stroke, bool finished) {
-  const int moves = std::max(1, stroke.moves);
+  const int moves = std::clamp(stroke.moves, 1, mostMoves);
   if (const auto* dragged = std::get_if<DragVertexStep>(&stroke.step)) {
     if (!finished && stroke.moves == 0) return std::nullopt;
     DragVertexStep step = *dragged;

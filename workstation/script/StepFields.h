@@ -160,23 +160,28 @@ inline std::optional<WrongKey> exactlyOne(const char* first, bool hasFirst, cons
   return WrongKey{first, hasFirst ? "cannot be there together with " + other : "is missing: give it or " + other};
 }
 
-inline std::optional<WrongKey> wrong(const OpenStudyStep& step) {
+inline std::optional<WrongKey> wrongMoves(int moves) {
+  if (moves < 1) return WrongKey{"moves", "must be at least 1"};
+  if (moves > mostMoves) return WrongKey{"moves", "must be at most " + std::to_string(mostMoves)};
+  return std::nullopt;
+}
+
+/// Of what a step opens.
+template <class Step>
+std::optional<WrongKey> wrongSource(const Step& step) {
+  if (step.study && step.study->empty()) return WrongKey{"study", "must not be empty: give a Study Instance UID"};
   return exactlyOne("path", step.path.has_value(), "study", step.study.has_value());
 }
-inline std::optional<WrongKey> wrong(const OpenViewerStep& step) {
-  return exactlyOne("path", step.path.has_value(), "study", step.study.has_value());
-}
+
+inline std::optional<WrongKey> wrong(const OpenStudyStep& step) { return wrongSource(step); }
+inline std::optional<WrongKey> wrong(const OpenViewerStep& step) { return wrongSource(step); }
 inline std::optional<WrongKey> wrong(const DrawStep& step) {
   if (step.type == DrawnType::line && step.points.size() != 2)
     return WrongKey{"points", "must hold two points for a line"};
   if (step.points.empty()) return WrongKey{"points", "must hold at least one point"};
-  if (step.moves < 1) return WrongKey{"moves", "must be at least 1"};
-  return std::nullopt;
+  return wrongMoves(step.moves);
 }
-inline std::optional<WrongKey> wrong(const DragVertexStep& step) {
-  if (step.moves < 1) return WrongKey{"moves", "must be at least 1"};
-  return std::nullopt;
-}
+inline std::optional<WrongKey> wrong(const DragVertexStep& step) { return wrongMoves(step.moves); }
 inline std::optional<WrongKey> wrong(const DeleteRoiStep& step) {
   return exactlyOne("roi", step.roi.has_value(), "id", step.id.has_value());
 }
@@ -187,6 +192,10 @@ inline std::optional<WrongKey> wrong(const PaletteStep& step) {
   return exactlyOne("press", step.press.has_value(), "set", step.set.has_value());
 }
 inline std::optional<WrongKey> wrong(const PaletteSettings& settings) {
+  const auto region = settings.anatomicalRegion.value_or(0);
+  if (region < -1 || region > 2) return WrongKey{"anatomicalRegion", "must be a region from -1 to 2"};
+  const auto mode = settings.drawMode.value_or(0);
+  if (mode < 0 || mode > 1) return WrongKey{"drawMode", "must be 0 for a line or 1 for a polygon"};
   if (settings.anatomicalRegion || settings.additionalVertebra || settings.drawMode || settings.displayLabels)
     return std::nullopt;
   return WrongKey{"anatomicalRegion", "is missing: give it, \"additionalVertebra\", \"drawMode\" or \"displayLabels\""};

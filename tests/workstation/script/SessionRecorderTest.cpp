@@ -170,6 +170,18 @@ TEST_F(Recorded, ALineHasAsManyMovesAsItHad) {
   EXPECT_TRUE(recorder.gaps().empty());
 }
 
+TEST_F(Recorded, ALineHasNoMoreMovesThanAScriptMayHave) {
+  const int viewer = openSagittal();
+  ASSERT_TRUE(workstation.selectRoiTool(viewer, pelmar::ROIToolTagLength));
+  begun += 1;
+  ASSERT_TRUE(workstation.press(viewer, PixelPoint{10, 5}));
+  for (int i = 0; i < mostMoves; ++i) ASSERT_TRUE(workstation.move(viewer, PixelPoint{11, i % 2 + 30.0}));
+  EXPECT_EQ(steps()[0]["moves"], 10000);
+  ASSERT_TRUE(workstation.move(viewer, PixelPoint{11, 32}));
+  EXPECT_EQ(steps()[0]["moves"], 10000);
+  EXPECT_EQ(steps()[0]["points"], json::parse("[[10, 5], [11, 32]]"));
+}
+
 TEST_F(Recorded, ViewsThatChangeBetweenTheClicksOfAPolygonStandBeforeIt) {
   const int viewer = openSagittal();
   const int other = *workstation.openViewer(stackOf("1.2"));
