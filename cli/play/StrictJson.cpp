@@ -16,22 +16,43 @@ constexpr int deepest = 64;
 /// Watches the parser: notes the first key that an object names twice, and a depth that is too much.
 class Watch {
  public:
+  struct Repeated {
+    std::string key;
+    std::size_t item = 0;   ///< of the list below the outermost object in which it stands, from 1; 0: in none
+    std::size_t items = 0;  ///< how many that list has
+  };
+
   bool operator()(int depth, ordered_json::parse_event_t event, const ordered_json& parsed) {
+    using Event = ordered_json::parse_event_t;
     if (depth > deepest) tooDeep = true;
-    if (event == ordered_json::parse_event_t::object_start) keys_.emplace_back();
-    if (event == ordered_json::parse_event_t::object_end) keys_.pop_back();
-    if (event == ordered_json::parse_event_t::key && !keys_.back().insert(parsed.get<std::string>()).second &&
-        !repeated) {
-      repeated = parsed.get<std::string>();
-    }
+    const bool isItem = event == Event::object_start || event == Event::array_start || event == Event::value;
+    if (isItem && !levels_.empty()) ++levels_.back().items;
+    if (event == Event::object_start || event == Event::array_start)
+      levels_.push_back({event == Event::array_start, 0, {}});
+    if (event == Event::key) note(parsed.get<std::string>());
+    if (event == Event::array_end && levels_.size() == 2 && repeated && repeated->item > 0 && repeated->items == 0)
+      repeated->items = levels_.back().items;
+    if (event == Event::object_end || event == Event::array_end) levels_.pop_back();
     return true;
   }
 
-  std::optional<std::string> repeated;
+  std::optional<Repeated> repeated;
   bool tooDeep = false;
 
  private:
-  std::vector<std::set<std::string>> keys_;
+  struct Level {
+    bool isList = false;
+    std::size_t items = 0;  ///< begun so far
+    std::set<std::string> keys;
+  };
+
+  void note(const std::string& key) {
+    if (levels_.back().keys.insert(key).second || repeated) return;
+    const bool inList = levels_.size() > 2 && !levels_[0].isList && levels_[1].isList;
+    repeated = Repeated{key, inList ? levels_[1].items : 0, 0};
+  }
+
+  std::vector<Level> levels_;
 };
 
 /// "line 3, column 7" of a place in the text, where the parser counts bytes from 1.
@@ -45,14 +66,18 @@ std::string placeOf(const std::string& text, std::size_t byte) {
 
 }  // namespace
 
-Expected<ordered_json> parseStrictly(const std::string& text, const std::string& what) {
+Expected<ordered_json> parseStrictly(const std::string& text, const std::string& what, const std::string& item) {
   Watch watch;
   try {
     auto json = ordered_json::parse(text, std::ref(watch));
     if (watch.tooDeep) {
       return Failure{ExitUsage, what + " holds lists within lists deeper than " + std::to_string(deepest) + "."};
     }
-    if (watch.repeated) return Failure{ExitUsage, what + " names the key \"" + *watch.repeated + "\" twice."};
+    if (const auto& repeated = watch.repeated) {
+      const auto place = item + " " + std::to_string(repeated->item) + " of " + std::to_string(repeated->items) + ":";
+      return Failure{ExitUsage,
+                     (repeated->item > 0 ? place : what) + " names the key \"" + repeated->key + "\" twice."};
+    }
     return json;
   } catch (const ordered_json::parse_error& error) {
     return Failure{ExitUnreadable, what + " is not JSON: " + placeOf(text, error.byte) + " does not fit."};

@@ -39,6 +39,14 @@ TEST(Script, SaysWhatTheSessionStartsWith) {
   EXPECT_EQ(script->hostLacks, (std::vector<std::string>{"stringTags", "ROIToolTag"}));
 }
 
+TEST(Script, TakesAnyVersionOfNumbersAndDots) {
+  for (const std::string version : {"9", "9.0", "10.12.3", "00.1"}) {
+    const auto script = readScript("{\"host\": {\"version\": \"" + version + "\"}, \"steps\": []}");
+    ASSERT_TRUE(script) << version;
+    EXPECT_EQ(script->hostVersion, version);
+  }
+}
+
 TEST(Script, KnowsEveryCapabilityThatAHostMayLack) {
   for (const std::string name : {"bodyPartExamined", "stringTags", "dontDisplayInKeyImagesWindow", "resamplePoints",
                                  "Point3DCoding", "ROIToolTag"}) {
@@ -108,6 +116,15 @@ TEST(Steps, OfThePaletteHaveTheirValues) {
   EXPECT_EQ(step.set->additionalVertebra, std::nullopt);
   EXPECT_EQ(step.set->drawMode, std::nullopt);
   EXPECT_EQ(step.set->displayLabels, false);
+}
+
+TEST(Steps, MayGoToTheirBounds) {
+  EXPECT_EQ(only<PaletteStep>(R"({"do": "palette", "set": {"anatomicalRegion": -1}})").set->anatomicalRegion, -1);
+  EXPECT_EQ(only<PaletteStep>(R"({"do": "palette", "set": {"anatomicalRegion": 2}})").set->anatomicalRegion, 2);
+  const auto draw = R"({"do": "draw", "viewer": 0, "type": "line", "points": [[0, 0], [1, 1]], "moves": 10000})";
+  EXPECT_EQ(only<DrawStep>(draw).moves, 10000);
+  const auto drag = R"({"do": "dragVertex", "viewer": 0, "roi": "curve", "vertex": 0, "to": [1, 1], "moves": 10000})";
+  EXPECT_EQ(only<DragVertexStep>(drag).moves, 10000);
 }
 
 TEST(WritingAScript, GivesTheTextThatIsReadAsTheSame) {
