@@ -1,6 +1,7 @@
 // The steps that act on viewers, annotations and the palette.
 #include <algorithm>
 
+#include "cli/Console.h"
 #include "cli/play/Player.h"
 #include "workstation/script/StepWords.h"
 
@@ -101,7 +102,14 @@ std::optional<Failure> Player::runStep(const FrontStep& step) {
 }
 
 std::optional<Failure> Player::runStep(const MenuStep& step) {
-  return failed(workstation().chooseMenu(step.viewer, step.title));
+  if (auto failure = failed(workstation().chooseMenu(step.viewer, step.title))) return failure;
+  const auto entries = workstation().menuEntries();
+  if (std::find(entries.begin(), entries.end(), step.title) != entries.end()) return std::nullopt;
+  // A rule of the plug-in, which a script must be able to show; by hand nobody can choose it.
+  std::string known;
+  for (const auto& entry : entries) known += (known.empty() ? "\"" : ", \"") + entry + '"';
+  printMessage("The plug-in has no menu entry \"" + step.title + "\", but " + known + ": it was called all the same.");
+  return std::nullopt;
 }
 
 std::optional<Failure> Player::runStep(const RotateStep& step) {

@@ -312,7 +312,9 @@ SCRIPTS = {
     "viewers": (viewers, {}), "line": (line, {}), "polygon": (polygon, {}), "input": (input_held, {}),
     "measured": (measured, {}),
     "own": (own, {"status": 1, "messages": ["Step 23 of 23, \"redo\": There is nothing to redo."]}),
-    "events": (events, {}), "palette": (palette, {}), "no_vertical": (no_vertical, {}), "lacking": (lacking, {}),
+    "events": (events, {}), "no_vertical": (no_vertical, {}), "lacking": (lacking, {}),
+    "palette": (palette, {"messages": ["The plug-in has no menu entry \"Other\", but \"Labels\": "
+                                       "it was called all the same."]}),
     "lacking_archive": (lacking_archive, {}),
     "old_host": (old_host, {}), "reset_sticks": (reset_sticks, {}),
     "colleague": (colleague, {"before": ALL_REPORTS, "messages": ["broken.dcm", "broken.dcm"]}),
