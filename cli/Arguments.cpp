@@ -1,5 +1,6 @@
 #include "cli/Arguments.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -73,6 +74,13 @@ Expected<Arguments> showArguments(RawArguments& raw) {
   return Arguments(raw.show);
 }
 
+Expected<Arguments> restoreArguments(RawArguments& raw) {
+  const auto& object = raw.restore.object;
+  if (!object.empty() && object.find_first_not_of("0123456789.") == std::string::npos) return Arguments(raw.restore);
+  return Failure{ExitUsage,
+                 "--object takes a labelling's number in the history, or its UID: '" + object + "' is neither."};
+}
+
 Expected<Arguments> exportArguments(RawArguments& raw) {
   auto& exported = raw.exported;
   exported.format = formatsByName.at(raw.exportFormat);
@@ -104,6 +112,22 @@ std::string complaintOf(const CLI::ParseError& error) {
   // Only options without a value are converted by the parser.
   if (error.get_name() == "ConversionError") return text.substr(text.find("--")) + ": this option takes no value";
   return text.substr(0, text.find('\n'));
+}
+
+/// An empty name is most often a variable of the shell that holds nothing.
+std::optional<Failure> checkNoNameIsEmpty(const CLI::App& command) {
+  static const std::pair<const char*, const char*> names[] = {{"--out", "a folder or file to write to"},
+                                                              {"--database", "a database folder"},
+                                                              {"PATH", "a file or folder of DICOM files"},
+                                                              {"SCRIPT", "a file with a session script"}};
+  for (const auto& [name, meaning] : names) {
+    const auto* option = command.get_option_no_throw(name);
+    if (!option) continue;
+    const auto values = option->results();
+    if (std::find(values.begin(), values.end(), "") == values.end()) continue;
+    return Failure{ExitUsage, std::string(name) + " is empty: give " + meaning + "."};
+  }
+  return std::nullopt;
 }
 
 std::string withoutBlanksAround(const std::string& text) {
@@ -161,7 +185,9 @@ Expected<Arguments> parseArguments(int argc, const char* const* argv) {
   } catch (const CLI::ParseError& error) {
     return Failure{ExitUsage, complaintOf(error) + " (vertana --help tells the usage)"};
   }
-  const auto command = app.get_subcommands().front()->get_name();  // the parser requires one
+  const auto* chosen = app.get_subcommands().front();  // the parser requires one
+  if (auto problem = checkNoNameIsEmpty(*chosen)) return *problem;
+  const auto& command = chosen->get_name();
   if (command == "demo") return Arguments(raw.demo);
   if (command == "phantom") return phantomArguments(raw);
   if (command == "import") return Arguments(raw.import);
@@ -169,7 +195,7 @@ Expected<Arguments> parseArguments(int argc, const char* const* argv) {
   if (command == "label") return labelArguments(raw);
   if (command == "show") return showArguments(raw);
   if (command == "history") return Arguments(raw.history);
-  if (command == "restore") return Arguments(raw.restore);
+  if (command == "restore") return restoreArguments(raw);
   if (command == "render") return Arguments(raw.render);
   if (command == "terms") return Arguments(raw.terms);
   if (command == "export") return exportArguments(raw);

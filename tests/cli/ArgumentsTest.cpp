@@ -106,7 +106,7 @@ TEST(Show, TakesSeveralStudiesOrADatabaseAlone) {
   ASSERT_TRUE(all);
   EXPECT_TRUE(std::get<ShowArguments>(*all).studies.empty());
   EXPECT_FALSE(std::get<ShowArguments>(*all).jobs);
-  expectWords(refusal({"show"}), {"STUDY", "--database DIR"});
+  EXPECT_EQ(refusal({"show"}), "show needs a STUDY, or --database DIR for all studies of a database: none was given.");
   for (const char* jobs : {"0", "-1", "257", "two", "1.5", ""}) {
     expectWords(refusal({"show", "a", "b", "--jobs", jobs}),
                 {"--jobs", "from 1 to 256", "'" + std::string(jobs) + "'"});
@@ -158,6 +158,32 @@ TEST(Restore, NeedsTheObject) {
   ASSERT_TRUE(parsed);
   EXPECT_EQ(std::get<RestoreArguments>(*parsed).object, "2.25.7");
   expectWords(refusal({"restore", "folder"}), {"--object"});
+}
+
+TEST(Restore, TakesNumbersAndUidsAlone) {
+  EXPECT_TRUE(parse({"restore", "folder", "--object", "1"}));
+  for (const char* object : {"", "-1", "first", "1.2a", " 1"}) {
+    EXPECT_EQ(
+        refusal({"restore", "folder", "--object", object}),
+        "--object takes a labelling's number in the history, or its UID: '" + std::string(object) + "' is neither.");
+  }
+}
+
+TEST(Usage, EmptyNamesAreRefused) {
+  const std::string out = "--out is empty: give a folder or file to write to.";
+  EXPECT_EQ(refusal({"demo", "--out", ""}), out);
+  EXPECT_EQ(refusal({"phantom", "--region", "lumbar", "--out", ""}), out);
+  EXPECT_EQ(refusal({"render", "folder", "--out", ""}), out);
+  EXPECT_EQ(refusal({"export", "folder", "--format", "csv", "--out", ""}), out);
+  const std::string database = "--database is empty: give a database folder.";
+  for (const char* command : {"info", "show", "history"}) {
+    EXPECT_EQ(refusal({command, "1.2.3", "--database", ""}), database) << command;
+  }
+  EXPECT_EQ(refusal({"import", "folder", "--database", ""}), database);
+  EXPECT_EQ(refusal({"play", "script", "--database", ""}), database);
+  EXPECT_EQ(refusal({"import", "folder", "", "--database", "db"}),
+            "PATH is empty: give a file or folder of DICOM files.");
+  EXPECT_EQ(refusal({"play", ""}), "SCRIPT is empty: give a file with a session script.");
 }
 
 TEST(Terms, AreListedUnlessTheyAreToBeForgotten) {
@@ -238,6 +264,7 @@ void expectFittingHelp(const std::string& command) {
   ASSERT_NE(example, std::string::npos);
   EXPECT_EQ(text.find("\n\n", example), std::string::npos) << "the example comes last";
   EXPECT_NE(text.find("\n  vertana " + command, example), std::string::npos);
+  EXPECT_EQ(text.find("/tmp", example), std::string::npos) << "what lies there may be another's";
 }
 
 TEST(Help, OfEveryCommandFitsAScreenOf80By24AndEndsWithAnExample) {
