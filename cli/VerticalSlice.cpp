@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 #include "workstation/model/Spline.h"
 
@@ -59,9 +60,19 @@ double lengthCm(const workstation::ImageGeometry& geometry, const LabelArguments
   return length / 10;
 }
 
-std::string formatted(const char* format, double a, double b = 0) {
+std::string formatted(PixelPoint point) {
   char text[64];
-  std::snprintf(text, sizeof text, format, a, b);
+  std::snprintf(text, sizeof text, "%g,%g", point.x, point.y);
+  return text;
+}
+
+/// A length under the minimum with two decimals, or with as many more as it takes to see that it is under it.
+std::string shortLength(double cm) {
+  char text[64];
+  for (int decimals = 2; decimals <= 15; ++decimals) {
+    std::snprintf(text, sizeof text, "%.*f", decimals, cm);
+    if (std::strtod(text, nullptr) < minimumLengthCm) break;
+  }
   return text;
 }
 
@@ -90,14 +101,14 @@ std::optional<Failure> checkPoints(const VerticalSlice& slice, const LabelArgume
   const auto& record = slice.record;
   for (const auto& point : arguments.points) {
     if (point.x < -0.5 || point.y < -0.5 || point.x > record.columns - 0.5 || point.y > record.rows - 0.5) {
-      return Failure{ExitNotAllowed, optionName(arguments) + ": the point " + formatted("%g,%g", point.x, point.y) +
+      return Failure{ExitNotAllowed, optionName(arguments) + ": the point " + formatted(point) +
                                          " lies outside the image, which has " + std::to_string(record.columns) +
                                          " columns and " + std::to_string(record.rows) + " rows."};
     }
   }
   const double length = lengthCm(*record.geometry, arguments);
   if (length < minimumLengthCm) {
-    return Failure{ExitNotAllowed, optionName(arguments) + " is " + formatted("%.2f", length) +
+    return Failure{ExitNotAllowed, optionName(arguments) + " is " + shortLength(length) +
                                        " cm long on the patient, but a spine needs 7 cm: draw from one end of the "
                                        "region to the other."};
   }

@@ -43,6 +43,8 @@ def main():
         refusals = [
             ("a line under 7 cm", 1, ["label", study, "--line", "160,100,160,150"], "--line is ", short),
             ("a polygon under 7 cm", 1, ["label", study, "--polygon", "160,100,160,120,160,150"], "--polygon is ", short),
+            # A row of pixels is 0.71875 mm high: 97.3857 of them are 69.996 mm.
+            ("a line just under 7 cm", 1, ["label", study, "--line", "160,100,160,197.3857"], "--line is 6.9996", short),
             ("more points than discs", 1, ["label", study, "--polygon", seven_points], "--polygon has ",
              " has 7 points, but the lumbar region has 6 discs: give at most one point a disc."),
             ("a series that does not exist", 1, ["label", study, "--line", good, "--series", 77], "--series 77",
@@ -90,6 +92,11 @@ def main():
              ""),
             ("pictures without a folder", 1, ["render", study, "--out", "/proc/vertana/x"], "/proc/vertana/x",
              " cannot be made: "),
+            ("pictures in a folder without a name", 2, ["render", study, "--out", ""], "--out is empty: ",
+             "give a folder or file to write to."),
+            ("an object without a name", 2, ["restore", study, "--object", ""], "--object takes a labelling's number",
+             " in the history, or its UID: '' is neither."),
+            ("an object that cannot be", 2, ["restore", study, "--object", "-1"], "--object", "'-1' is neither."),
             ("no command", 2, [], "No command was given", "; there are demo, phantom, "),
             ("an unknown command", 2, ["lable", study], "'lable' is no command", help_tells),
             ("an unknown option", 2, ["info", study, "--jason"], "--jason", help_tells),
