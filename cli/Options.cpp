@@ -18,6 +18,19 @@ std::string checkFormat(const std::string& name) {
   return formatsByName.contains(name) ? "" : "'" + name + "' is no format: give json, csv, slicer or sct";
 }
 
+/// The example of a command. It needs nothing that another one has made, so that it can be pasted anywhere, and again.
+std::string example(const std::string& lines) { return "Example:\n" + lines; }
+
+/// One that begins with a study in $S/spine.
+std::string exampleOnStudy(const std::string& lines) {
+  return example("  S=$(mktemp -d) && vertana phantom --region lumbar --out $S/spine\n" + lines);
+}
+
+/// One that begins with that study labelled.
+std::string exampleOnLabelled(const std::string& lines) {
+  return exampleOnStudy("  vertana label $S/spine --line 197,46,204,274\n" + lines);
+}
+
 /// The argument that names a study, and where it lies.
 void addStudy(CLI::App& command, std::string& study, std::string& database) {
   command.add_option("STUDY", study, "Folder of DICOM files, or a UID with --database")->required()->type_name("");
@@ -27,7 +40,7 @@ void addStudy(CLI::App& command, std::string& study, std::string& database) {
 void addDemo(CLI::App& app, RawArguments& raw) {
   auto* demo = app.add_subcommand("demo", "Label a phantom study and tell what came out");
   demo->add_option("--out", raw.demo.outDir, "New or empty folder (default: a temporary one)")->type_name("DIR");
-  demo->footer("Example:\n  vertana demo");
+  demo->footer(example("  vertana demo"));
 }
 
 void addPhantom(CLI::App& app, RawArguments& raw) {
@@ -42,7 +55,7 @@ void addPhantom(CLI::App& app, RawArguments& raw) {
   phantom->add_flag("--angled-axials", raw.phantom.angledAxials, "Also axial blocks tilted to the discs");
   phantom->add_flag("--ct", raw.phantom.ct, "A CT with 512 thin axial slices instead of an MR");
   phantom->add_option("--image-size", raw.imageSize, "Rows and columns of every image, 16 to 1024")->type_name("N");
-  phantom->footer("Example:\n  vertana phantom --region lumbar --angled-axials --out /tmp/spine");
+  phantom->footer(example("  vertana phantom --region lumbar --angled-axials --out $(mktemp -d)"));
 }
 
 void addImport(CLI::App& app, RawArguments& raw) {
@@ -51,14 +64,14 @@ void addImport(CLI::App& app, RawArguments& raw) {
   import->add_option("--database", raw.import.database, "Database folder (made when it is not there)")
       ->required()
       ->type_name("DIR");
-  import->footer("Example:\n  vertana import /tmp/spine --database /tmp/database");
+  import->footer(exampleOnStudy("  vertana import $S/spine --database $S/database"));
 }
 
 void addInfo(CLI::App& app, RawArguments& raw) {
   auto* info = app.add_subcommand("info", "List a study's series, region and stored labelling");
   addStudy(*info, raw.info.study, raw.info.database);
   info->add_flag("--json", raw.info.json, "Print JSON for programs");
-  info->footer("Example:\n  vertana info /tmp/spine");
+  info->footer(exampleOnStudy("  vertana info $S/spine"));
 }
 
 void addLabel(CLI::App& app, RawArguments& raw) {
@@ -74,7 +87,7 @@ void addLabel(CLI::App& app, RawArguments& raw) {
       ->check(checkRegion);
   label->add_flag("--extra-vertebra", raw.label.extraVertebra, "The region has one more vertebra: C8, T13 or L6");
   label->add_flag("--json", raw.label.json, "Print JSON for programs");
-  label->footer("Example:\n  vertana label /tmp/spine --line 197,46,204,274");
+  label->footer(exampleOnStudy("  vertana label $S/spine --line 197,46,204,274"));
 }
 
 void addShow(CLI::App& app, RawArguments& raw) {
@@ -85,14 +98,14 @@ void addShow(CLI::App& app, RawArguments& raw) {
   auto* json = show->add_flag("--json", raw.show.json, "Print JSON for programs");
   show->add_flag("--csv", raw.show.csv, "Print a table: a row a disc, a row a slice")->excludes(json);
   show->add_option("--jobs", raw.jobs, "Processes at once (default: one a processor)")->type_name("N");
-  show->footer("Example:\n  vertana show /tmp/spine");
+  show->footer(exampleOnLabelled("  vertana show $S/spine"));
 }
 
 void addHistory(CLI::App& app, RawArguments& raw) {
   auto* history = app.add_subcommand("history", "List every labelling the study ever held");
   addStudy(*history, raw.history.study, raw.history.database);
   history->add_flag("--json", raw.history.json, "Print JSON for programs");
-  history->footer("Example:\n  vertana history /tmp/spine");
+  history->footer(exampleOnLabelled("  vertana history $S/spine"));
 }
 
 void addRestore(CLI::App& app, RawArguments& raw) {
@@ -102,14 +115,14 @@ void addRestore(CLI::App& app, RawArguments& raw) {
       ->required()
       ->type_name("OBJECT");
   restore->footer(
-      "Example:\n  vertana label /tmp/spine --line 192,46,204,274\n  vertana restore /tmp/spine --object 1");
+      exampleOnLabelled("  vertana label $S/spine --line 192,46,204,274\n  vertana restore $S/spine --object 1"));
 }
 
 void addRender(CLI::App& app, RawArguments& raw) {
   auto* render = app.add_subcommand("render", "Paint a picture of each series, with its labels");
   addStudy(*render, raw.render.study, raw.render.database);
   render->add_option("--out", raw.render.outDir, "Folder for the PNG files")->required()->type_name("DIR");
-  render->footer("Example:\n  vertana render /tmp/spine --out /tmp/pictures");
+  render->footer(exampleOnLabelled("  vertana render $S/spine --out $S/pictures"));
 }
 
 void addExport(CLI::App& app, RawArguments& raw) {
@@ -125,7 +138,7 @@ void addExport(CLI::App& app, RawArguments& raw) {
   exported->add_option("--out", raw.exported.outFile, "File to write to (an earlier one is replaced)")
       ->required()
       ->type_name("FILE");
-  exported->footer("Example:\n  vertana export /tmp/spine --format slicer --out /tmp/discs.mrk.json");
+  exported->footer(exampleOnLabelled("  vertana export $S/spine --format slicer --out $S/discs.mrk.json"));
 }
 
 void addPlay(CLI::App& app, RawArguments& raw) {
@@ -133,10 +146,9 @@ void addPlay(CLI::App& app, RawArguments& raw) {
   play->add_option("SCRIPT", raw.play.script, "File with the script (JSON)")->required()->type_name("");
   play->add_option("--database", raw.play.database, "Database folder, instead of the script's")->type_name("DIR");
   play->footer(
-      "Example:\n"
-      "  echo '{\"steps\": [{\"do\": \"openStudy\", \"path\": \"/tmp/spine\"},\n"
-      "                   {\"do\": \"dump\"}]}' > /tmp/session.json\n"
-      "  vertana play /tmp/session.json");
+      exampleOnStudy("  echo '{\"steps\": [{\"do\": \"openStudy\", \"path\": \"'$S/spine'\"},\n"
+                     "                   {\"do\": \"dump\"}]}' > $S/session.json\n"
+                     "  vertana play $S/session.json"));
 }
 
 void addTerms(CLI::App& app, RawArguments& raw) {
@@ -147,7 +159,7 @@ void addTerms(CLI::App& app, RawArguments& raw) {
   auto* all =
       terms->add_flag("--forget-all", raw.terms.forgetAll, "Forget every term")->excludes(list)->excludes(forget);
   terms->add_flag("--json", raw.terms.json, "Print the list as JSON for programs")->excludes(forget)->excludes(all);
-  terms->footer("Example:\n  vertana terms");
+  terms->footer(example("  vertana terms"));
 }
 
 }  // namespace
@@ -157,9 +169,8 @@ void addCommands(CLI::App& app, RawArguments& raw) {
   app.description("Names the levels of a spine study along one line that is drawn in it.");
   app.set_version_flag("--version", std::string("vertana ") + VERTANA_VERSION);
   app.require_subcommand(1);
-  app.footer(
-      "Exit status: 0 done, 1 the study forbids it, 2 wrong usage, 3 input unreadable.\n"
-      "Example:\n  vertana demo");
+  app.footer("Exit status: 0 done, 1 the study forbids it, 2 wrong usage, 3 input unreadable.\n" +
+             example("  vertana demo"));
   addDemo(app, raw);
   addPhantom(app, raw);
   addImport(app, raw);

@@ -124,9 +124,9 @@ void writeManPage(std::ostream& out, const ProgramFacts& facts, const std::strin
   out << ".SH COMMANDS\n";
   for (const auto& command : facts.commands) writeCommand(out, command);
   out << theRest << ".SH EXAMPLES\nA synthetic study is labelled, and the labelling looked at:\n.PP\n.EX\n"
-      << escaped("vertana phantom --region lumbar --out /tmp/patient") << '\n'
-      << escaped("vertana label /tmp/patient --line 197,46,204,274") << '\n'
-      << escaped("vertana show /tmp/patient --csv") << "\n.EE\n";
+      << escaped("S=$(mktemp -d) && vertana phantom --region lumbar --out $S/spine") << '\n'
+      << escaped("vertana label $S/spine --line 197,46,204,274") << '\n'
+      << escaped("vertana show $S/spine --csv") << "\n.EE\n";
 }
 
 }  // namespace cli
