@@ -207,7 +207,9 @@ def check_full_disk(checks, program, studies):
         process = start(program, ["show", "--csv", *(study.folder for study in studies)], stdout=full,
                         stderr=subprocess.PIPE)
         _, messages = process.communicate(timeout=60)
-    checks.that(process.returncode == 1 and b"could not be written" in messages, f"a full disk is told: {messages}")
+    checks.that(process.returncode == 1 and
+                messages == b"vertana: The result could not be written to standard output.\n",
+                f"a full disk is told: {messages}")
 
 
 def main():

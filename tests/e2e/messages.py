@@ -134,6 +134,9 @@ def check_past(checks, program, study, top):
     report.save_as(newest)
     run = Run(program, ["info", folder])
     checks.that(is_whole(run, f"{newest} does not count as a labelling: "), "it is named", run)
+    run = Run(program, ["history", folder])
+    checks.that(re.search(r"^ +3   \S+ \S+  cannot be read: The archive cannot be read: \w", run.out, re.MULTILINE),
+                "history tells why", run)
     report = pydicom.dcmread(newest)
     report.remove_private_tags()
     report.save_as(newest)

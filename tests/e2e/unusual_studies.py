@@ -146,7 +146,9 @@ def check_output(checks, program, plain, folder):
     if os.path.exists("/dev/full"):
         with open("/dev/full", "w") as full:
             done = subprocess.run([program, "info", str(plain)], stdout=full, stderr=subprocess.PIPE, text=True, check=False)
-        checks.that(done.returncode == 1 and len(done.stderr.splitlines()) == 1, "a full disk is told of")
+        checks.that(done.returncode == 1 and
+                    done.stderr == "vertana: The result could not be written to standard output.\n",
+                    f"a full disk is told of: {done.stderr}")
     run = Run(program, ["phantom", "--region", "lumbar", "--out", "/proc/vertana/x"])
     checks.that(run.status == 1 and len(run.messages) == 1 and "/proc/vertana" in run.messages[0],
                 "a folder that cannot be made is named", run)
