@@ -4,11 +4,13 @@ In what is expected
   "*"        stands for anything,
   "#NAME"    for a value that is the same wherever the name stands, and, for names that begin with "#id", nowhere else,
   {"...": true, ...}  for an object that may have more keys.
-Numbers may differ by a millionth, of 1 or of themselves. Keys must come in the expected order.
+Numbers may differ by a millionth of themselves; what should be 0 may be off by what rounding leaves of coordinates of
+some hundreds. Keys must come in the expected order.
 """
 import math
 
 TOLERANCE = 1e-6
+TOLERANCE_AT_ZERO = 1e-9
 
 
 class Comparison:
@@ -29,7 +31,7 @@ class Comparison:
         elif isinstance(expected, list):
             self.compare_lists(where, expected, found)
         elif is_number(expected) and is_number(found):
-            if not math.isclose(expected, found, rel_tol=TOLERANCE, abs_tol=TOLERANCE):
+            if not math.isclose(expected, found, rel_tol=TOLERANCE, abs_tol=TOLERANCE_AT_ZERO):
                 self.differ(where, expected, found)
         elif type(expected) is not type(found) or expected != found:
             self.differ(where, expected, found)
