@@ -4,13 +4,11 @@
 
 #include "cli/Console.h"
 #include "cli/StudyReading.h"
-#include "workstation/dicom/FileSignature.h"
-#include "workstation/dicom/LabellingReport.h"
+#include "workstation/dicom/AnyFile.h"
 
 namespace cli {
 
 namespace fs = std::filesystem;
-using workstation::FileSignature;
 using workstation::ImageRecord;
 using workstation::StudyDatabase;
 using Images = std::vector<ImageRecord>;
@@ -63,11 +61,15 @@ std::optional<Failure> checkReport(const std::string& file) {
     return Failure{ExitUnreadable, file + " is a folder: give the file of one report."};
   auto problem = fs::is_regular_file(file, error) ? std::string() : "it is no ordinary file";
   if (problem.empty()) {
-    const auto signature = workstation::signatureOf(file, problem);
-    const bool isDicom = signature == FileSignature::dicom || signature == FileSignature::headerless;
-    if (!isDicom && problem.empty()) problem = "it is no DICOM file";
+    const auto isReport = [](const workstation::ObjectHeader& object) { return object.isStructuredReport(); };
+    const auto read = workstation::readAnyFile(file, isReport);
+    if (!read.lists.unreadable.empty())
+      problem = read.lists.unreadable.front().reason;
+    else if (!read.lists.notDicom.empty())
+      problem = "it is no DICOM file";
+    else if (!read.header || !isReport(*read.header))
+      problem = "it is not a structured report";
   }
-  if (problem.empty()) problem = workstation::readReportHeader(file).problem;
   if (problem.empty()) return std::nullopt;
   return Failure{ExitUnreadable, file + " is no report that can be added to a study: " + problem + "."};
 }
