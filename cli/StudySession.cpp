@@ -57,6 +57,16 @@ std::string contentsOf(std::size_t bad, const LeftOut& left) {
   return list.empty() ? "it holds no file" : list;
 }
 
+/// A folder of studies that no import has made serves as a database too, opened in place.
+workstation::Result<std::unique_ptr<workstation::StudyDatabase>> readDatabase(const std::string& folder,
+                                                                              const SourceOptions& options) {
+  if (fs::is_directory(folder) && !workstation::StudyDatabase::isDatabase(folder)) {
+    auto inPlace = readStudies(folder, false, options);
+    if (interrupted() || !inPlace || !(*inPlace)->studies().empty()) return inPlace;
+  }
+  return readStudies(folder, true, options);
+}
+
 }  // namespace
 
 Expected<std::unique_ptr<StudySource>> StudySource::open(const std::string& study, const std::string& database,
@@ -89,7 +99,7 @@ std::optional<Failure> StudySource::openPath(const SourceOptions& options) {
     return Failure{ExitUnreadable, (path_.empty() ? "A folder without a name" : path_) + " does not exist: give a " +
                                        (isDatabase_ ? "database folder." : "folder of DICOM files.")};
   }
-  auto opened = readStudies(path_, isDatabase_, options);
+  auto opened = isDatabase_ ? readDatabase(path_, options) : readStudies(path_, false, options);
   if (interrupted()) return Failure{ExitNotAllowed, "Interrupted while reading " + path_ + "; nothing was changed."};
   if (!opened) return Failure{ExitUnreadable, opened.problem};
   database_ = std::move(*opened);

@@ -68,7 +68,7 @@ def main():
              " holds no DICOM image that can be shown: it holds no file."),
             ("a database that does not exist", 3, ["show", "1.2", "--database", top / "nowhere"], str(top / "nowhere"),
              " does not exist: give a database folder."),
-            *((f"{command[0]} of a folder that is no database", 3, [*command, "--database", study], f"The folder {study}",
+            *((f"{command[0]} of a folder that is no database", 3, [*command, "--database", empty], f"The folder {empty}",
                " is no database, for it holds neither index.sqlite nor studies: name another one, or import studies "
                "into it with vertana import.")
               for command in (["show", "1.2"], ["show"], ["history", "1.2"], ["info", "1.2"],

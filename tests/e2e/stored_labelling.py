@@ -157,6 +157,22 @@ def check_redrawn(checks, program, folder, line, series):
         checks.that(run.status == 0 and contents(folder) == before, f"the same line on slice {number} adds nothing", run)
 
 
+def check_folder_as_database(checks, program, folder, labelled, line):
+    """A folder of studies needs no import to be asked for one by its UID."""
+    uid = labelled["study"]
+    before = contents(folder.parent)
+    run = Run(program, ["show", uid, "--database", folder.parent, "--json"])
+    checks.that(run.status == 0 and names(run.json()) == names(labelled), "a folder of studies is a database too", run)
+    run = Run(program, ["show", "--database", folder.parent, "--csv", "--jobs", 2])
+    checks.that(run.status == 0 and {row["study"] for row in csv.DictReader(io.StringIO(run.out))} == {uid},
+                "all its studies are shown", run)
+    run = Run(program, ["show", "1.2.3", "--database", folder.parent])
+    checks.that(run.status == 1 and "holds no study 1.2.3" in run.messages[-1], "another is not there", run)
+    checks.that(contents(folder.parent) == before, "looking leaves every file as it was and adds none")
+    run = Run(program, ["label", uid, "--database", folder.parent, "--line", line, "--json"])
+    checks.that(run.status == 0 and len(reports(folder)) == 2, "what is stored goes beside the study's images", run)
+
+
 def check_database(checks, program, folder, labelled, line):
     database = folder.parent / "database"
     run = Run(program, ["import", folder, "--database", database])
@@ -212,6 +228,9 @@ def main():
         checks.that(len(stored) == 1, "one report is in the study")
         check_report(checks, stored[0], labelled)
         check_reading(checks, program, folder, labelled)
+        place = pathlib.Path(temporary) / "in place"
+        shutil.copytree(folder, place / "study")
+        check_folder_as_database(checks, program, place / "study", labelled, line)
         check_redrawn(checks, program, shutil.copytree(folder, folder.parent / "redrawn"), line, series)
         if not extra:
             check_history(checks, program, folder, polygon, line, series, labelled)
