@@ -9,16 +9,13 @@
 
 #include "workstation/render/AnnotationPainter.h"
 #include "workstation/render/GreyImage.h"
+#include "workstation/render/ViewTexts.h"
 
 namespace workstation {
 namespace {
 
-constexpr double textSize = 12;
-constexpr double letterSize = 15;
 constexpr double bannerSize = 13;
 constexpr double edgeGap = 5;
-/// Room in the middle of the view that the corner texts leave free, where a slice's level is written.
-constexpr double middleRoom = 84;
 constexpr double largestView = 32768;  ///< pixels of the device, a side
 /// Square points that a pixel of the slice may cover; beyond, there is nothing to see.
 constexpr double smallestPixelArea = 1e-8;
@@ -115,10 +112,7 @@ void ViewPainter::paint(QPainter& painter, const ViewPicture& picture, const std
   paintCrosses(painter, picture);
   if (image_.isNull()) paintProblem(painter, picture, problem);
   const double bottom = height - paintBanners(painter, picture);
-  paintLetters(painter, picture, bottom);
-  const double barBottom = bottom - edgeGap - TextStamps::lineHeight(letterSize);
-  if (picture.scaleBar) paintScaleBar(painter, *picture.scaleBar, width / 2, barBottom);
-  paintCorners(painter, picture, bottom);
+  paintTexts(painter, picture, bottom);
   painter.restore();
 }
 
@@ -207,26 +201,18 @@ double ViewPainter::paintBanners(QPainter& painter, const ViewPicture& picture) 
   return height;
 }
 
-void ViewPainter::paintLetters(QPainter& painter, const ViewPicture& picture, double bottom) {
-  const TextStyle style{letterSize, QColor(240, 240, 240), true};
-  const double lineHeight = TextStamps::lineHeight(letterSize);
-  const double width = picture.transform.viewWidth;
-  const double middle = (bottom - lineHeight) / 2;
-  const auto write = [&](const std::string& letters, QPointF top, TextStamps::Align align) {
-    if (!letters.empty()) stamps_.writeBelow(painter, top, align, QString::fromStdString(letters), style);
-  };
-  write(picture.letters.left, {edgeGap, middle}, TextStamps::Align::left);
-  write(picture.letters.right, {width - edgeGap, middle}, TextStamps::Align::right);
-  write(picture.letters.top, {width / 2, edgeGap}, TextStamps::Align::centre);
-  write(picture.letters.bottom, {width / 2, bottom - edgeGap - lineHeight}, TextStamps::Align::centre);
+void ViewPainter::paintTexts(QPainter& painter, const ViewPicture& picture, double bottom) {
+  WindowLine window;
+  const bool isGrey = pixels_ && pixels_->samplesPerPixel == 1 && !image_.isNull();
+  if (picture.showsWindow && isGrey) window = {QString::fromStdString(windowText(transform_)), !transform_.table};
+  const ViewTexts texts = layOutTexts(picture, window, bottom);
+  if (texts.scaleBar) paintScaleBar(painter, *texts.scaleBar);
+  for (const ViewText& line : texts.lines) stamps_.writeBelow(painter, line.top, line.align, line.text, line.style);
 }
 
-void ViewPainter::paintScaleBar(QPainter& painter, const ScaleBar& bar, double middle, double bottom) {
-  constexpr double tick = 4;
-  const double left = middle - bar.lengthPoints / 2;
-  const double right = middle + bar.lengthPoints / 2;
-  const double y = bottom - tick;
-  const QPolygonF line{{left, y - tick}, {left, y}, {right, y}, {right, y - tick}};
+void ViewPainter::paintScaleBar(QPainter& painter, const QLineF& bar) {
+  const QPointF tick(0, 4);
+  const QPolygonF line{bar.p1() - tick, bar.p1(), bar.p2(), bar.p2() - tick};
   painter.save();
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setBrush(Qt::NoBrush);
@@ -235,30 +221,6 @@ void ViewPainter::paintScaleBar(QPainter& painter, const ScaleBar& bar, double m
   painter.setPen(QPen(QColor(240, 240, 240), 1.5, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
   painter.drawPolyline(line);
   painter.restore();
-  stamps_.writeBelow(painter, {middle, y - tick - TextStamps::lineHeight(textSize)}, TextStamps::Align::centre,
-                     QString::fromStdString(bar.text), {textSize, QColor(240, 240, 240)});
-}
-
-void ViewPainter::paintCorners(QPainter& painter, const ViewPicture& picture, double bottom) {
-  const double width = picture.transform.viewWidth;
-  const double lineHeight = TextStamps::lineHeight(textSize);
-  const TextStyle style{textSize, QColor(240, 240, 240), false, std::max(1.0, (width - middleRoom) / 2 - edgeGap)};
-  const auto write = [&](const std::vector<std::string>& lines, double x, double top, TextStamps::Align align) {
-    for (const std::string& line : lines) {
-      stamps_.writeBelow(painter, {x, top}, align, QString::fromStdString(line), style);
-      top += lineHeight;
-    }
-  };
-  const auto topOf = [&](const std::vector<std::string>& lines) {
-    return bottom - edgeGap - lineHeight * static_cast<double>(lines.size());
-  };
-  std::vector<std::string> bottomRight = picture.corners.bottomRight;
-  const bool isGrey = pixels_ && pixels_->samplesPerPixel == 1 && !image_.isNull();
-  if (picture.showsWindow && isGrey) bottomRight.push_back(windowText(transform_));
-  write(picture.corners.topLeft, edgeGap, edgeGap, TextStamps::Align::left);
-  write(picture.corners.topRight, width - edgeGap, edgeGap, TextStamps::Align::right);
-  write(picture.corners.bottomLeft, edgeGap, topOf(picture.corners.bottomLeft), TextStamps::Align::left);
-  write(bottomRight, width - edgeGap, topOf(bottomRight), TextStamps::Align::right);
 }
 
 }  // namespace workstation

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QImage>
+#include <QLineF>
 #include <QPainter>
 #include <memory>
 #include <optional>
@@ -29,9 +30,8 @@ class ViewPainter {
   void paintCrosses(QPainter& painter, const ViewPicture& picture);
   void paintProblem(QPainter& painter, const ViewPicture& picture, const std::string& problem);
   double paintBanners(QPainter& painter, const ViewPicture& picture);
-  void paintLetters(QPainter& painter, const ViewPicture& picture, double bottom);
-  void paintScaleBar(QPainter& painter, const ScaleBar& bar, double middle, double bottom);
-  void paintCorners(QPainter& painter, const ViewPicture& picture, double bottom);
+  void paintTexts(QPainter& painter, const ViewPicture& picture, double bottom);
+  static void paintScaleBar(QPainter& painter, const QLineF& bar);
 
   TextStamps stamps_;
 

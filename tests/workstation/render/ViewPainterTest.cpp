@@ -206,9 +206,28 @@ TEST_F(ViewPainterTest, WritesLettersTextsAndScaleBarAtTheirPlaces) {
   const QRect corner = inkWith([](ViewPicture& p) { p.corners.topRight = {"T2"}; });
   EXPECT_GT(corner.left(), 160);
   EXPECT_LT(corner.bottom(), 25);
-  const QRect bar = inkWith([](ViewPicture& p) { p.scaleBar = ScaleBar{50, 80, ""}; });
+}
+
+TEST_F(ViewPainterTest, DrawsTheScaleBarAsLongAsItIs) {
+  pixels_ = nullptr;
+  picture_.transform.viewHeight = 240;
+  picture_.scaleBar = ScaleBar{50, 80, ""};
+  QImage image = canvas(200, 240);
+  QPainter painter(&image);
+  painter_.paint(painter, picture_, pixels_);
+  const QRect bar = inkOf(image, QColor(240, 240, 240), 40);
   EXPECT_NEAR(bar.width(), 81, 3);
   EXPECT_NEAR(bar.center().x(), 100, 2);
+}
+
+TEST_F(ViewPainterTest, WritesSliceAndWindowWholeInANarrowView) {
+  pixels_ = nullptr;
+  picture_.corners.bottomLeft = {"Slice 12 / 24"};
+  const auto width = [&](double view) {
+    picture_.transform.viewWidth = view;
+    return inkOf(painted(), QColor(240, 240, 240), 40).width();
+  };
+  EXPECT_EQ(width(120), width(200));
 }
 
 TEST_F(ViewPainterTest, DrawsReferenceLines) {
