@@ -1,6 +1,10 @@
 #include "workstation/gui/Theme.h"
 
+#include <QIcon>
+#include <QPainter>
+#include <QProxyStyle>
 #include <QStyleFactory>
+#include <QTransform>
 
 namespace workstation {
 namespace {
@@ -30,17 +34,55 @@ QPalette darkPalette() {
   palette.setColor(QPalette::Link, QColor(104, 167, 230));
   palette.setColor(QPalette::Highlight, dark::accent);
   palette.setColor(QPalette::HighlightedText, Qt::white);
-  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+  palette.setColor(QPalette::Light, QColor(80, 84, 89));
+  palette.setColor(QPalette::Midlight, QColor(68, 71, 76));
+  palette.setColor(QPalette::Mid, QColor(36, 38, 41));
+  palette.setColor(QPalette::Dark, QColor(27, 28, 31));
+  palette.setColor(QPalette::Shadow, QColor(10, 10, 11));
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::HighlightedText,
+                          QPalette::PlaceholderText, QPalette::Link})
     palette.setColor(QPalette::Disabled, role, QColor(112, 115, 120));
   palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(70, 73, 78));
+  // The style writes what is disabled twice, first with this colour beside it: like a shadow, it is not to be seen.
+  palette.setColor(QPalette::Disabled, QPalette::Light, dark::window);
   return palette;
 }
+
+/// Fusion with the arrows, black in itself, with which a bar says that it holds more.
+class DarkStyle final : public QProxyStyle {
+ public:
+  DarkStyle() : QProxyStyle(QStyleFactory::create("Fusion")) {}
+
+  QIcon standardIcon(StandardPixmap which, const QStyleOption* option, const QWidget* widget) const override {
+    if (which != SP_ToolBarHorizontalExtensionButton && which != SP_ToolBarVerticalExtensionButton)
+      return QProxyStyle::standardIcon(which, option, widget);
+    return moreIcon(which == SP_ToolBarVerticalExtensionButton);
+  }
+  int pixelMetric(PixelMetric which, const QStyleOption* option, const QWidget* widget) const override {
+    return which == PM_ToolBarExtensionExtent ? 20 : QProxyStyle::pixelMetric(which, option, widget);
+  }
+
+ private:
+  static QIcon moreIcon(bool down) {
+    QPixmap picture(32, 32);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(dark::text, 4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    for (const double start : {4.0, 16.0}) {
+      const QPolygonF arrow{{start, 6}, {start + 10, 16}, {start, 26}};
+      painter.drawPolyline(down ? QTransform(0, 1, 1, 0, 0, 0).map(arrow) : arrow);
+    }
+    return QIcon(picture);
+  }
+};
 
 /// What the style does not take from the palette.
 const char* const details =
     "QToolBar { border: none; spacing: 2px; padding: 3px; }"
     "QToolBar::separator { background: #1e1f22; width: 1px; margin: 4px 5px; }"
     "QToolButton { padding: 4px 7px; border-radius: 4px; }"
+    "QToolBarExtension { padding: 0; background: #3f4348; }"
     "QToolButton:hover { background: #3f4348; }"
     "QToolButton:focus { background: #3a5f86; color: white; }"
     "QToolButton:checked { background: #355a80; color: white; }"
@@ -56,7 +98,7 @@ const char* const details =
 }  // namespace
 
 void useTheme(QApplication& application) {
-  QApplication::setStyle(QStyleFactory::create("Fusion"));
+  QApplication::setStyle(new DarkStyle);
   QApplication::setPalette(darkPalette());
   application.setStyleSheet(details);
 }
