@@ -313,6 +313,13 @@ void MainWindow::deleteSelected() {
       if (annotation.roi->ROImode() != pelmar::ROIModeFinished && annotation.roi->selectable())
         return workstation.deleteAnnotation(viewer, annotation.id);
     }
+  grid_->setSize(gridToShow(), grid_->isMaximised());
+  // Else whatever comes next would get the keyboard, and keys meant for a viewer would be typed into the search.
+  if (auto* pane = grid_->frontPane()) {
+    pane->canvas().setFocus();
+  } else {
+    browser_->tree().setFocus();
+  }
     return Outcome::refused("No annotation is selected: click on one first.");
   });
   scheduleRefresh(true);

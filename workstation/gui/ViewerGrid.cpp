@@ -77,9 +77,9 @@ void ViewerGrid::refresh(bool repaintAll) {
   for (ViewerPane* pane : panes_) pane->refresh(repaintAll);
 }
 
-void ViewerGrid::setSize(GridSize size) {
+void ViewerGrid::setSize(GridSize size, bool maximised) {
   size_ = size;
-  maximised_ = false;
+  maximised_ = maximised;
   refresh(false);
 }
 

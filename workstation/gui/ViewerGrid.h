@@ -31,7 +31,8 @@ class ViewerGrid final : public QWidget {
   /// Makes panes for viewers that were opened and drops those of viewers that were closed, then brings all up to date.
   void refresh(bool repaintAll);
   GridSize size() const { return size_; }
-  void setSize(GridSize size);
+  /// With `maximised`, the front viewer is seen alone until all are shown again.
+  void setSize(GridSize size, bool maximised = false);
   /// Shows the front viewer alone, or all again.
   void setMaximised(bool maximised);
   bool isMaximised() const { return maximised_; }

@@ -117,6 +117,28 @@ TEST_F(Keyboard, ViewersAreGoneThroughByKeyAndByTab) {
   EXPECT_FALSE(canvas(first).isVisible());
 }
 
+TEST_F(Keyboard, AViewerThatClosesLeavesTheKeyboardToTheNextOne) {
+  openStudy();
+  window_->messages().add("One.");
+  window_->activateWindow();
+  ASSERT_GE(window_->grid().panes().size(), 3U);
+  // The last in the order of Tab, whose successor is no viewer.
+  const int last = window_->grid().panes().back()->viewer();
+  ASSERT_TRUE(workstation().bringToFront(last));
+  canvas(last).setFocus();
+  settle();
+  ASSERT_EQ(QApplication::focusWidget(), &canvas(last));
+  action("&Close viewer")->trigger();
+  settle();
+  ASSERT_FALSE(workstation().viewer(last));
+  EXPECT_EQ(QApplication::focusWidget(), &canvas(*workstation().frontViewer()));
+  while (workstation().frontViewer()) {
+    action("&Close viewer")->trigger();
+    settle();
+  }
+  EXPECT_EQ(QApplication::focusWidget(), &window_->browser().tree()) << "where the next study is chosen";
+}
+
 TEST_F(Keyboard, MessagesAreDismissedByTabAndSpace) {
   openStudy();
   window_->activateWindow();

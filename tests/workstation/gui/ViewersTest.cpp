@@ -163,6 +163,25 @@ TEST_F(Viewers, ShiftAndClickShowTheSamePointOfThePatientEverywhere) {
     EXPECT_GE(heightAt(slice), heightAt(info(axial).slice) - 1e-9);
 }
 
+TEST_F(Viewers, AGridOfAsManyAsAreOpenFollowsAViewerThatCloses) {
+  openStudy();
+  const auto count = workstation().viewers().size();
+  ASSERT_GE(count, 3U);
+  window_->closeFrontViewer();
+  settle();
+  EXPECT_EQ(window_->grid().size(), gridFor(count - 1));
+  click("One viewer &alone");
+  window_->closeFrontViewer();
+  settle();
+  EXPECT_EQ(window_->grid().size(), gridFor(count - 2));
+  EXPECT_TRUE(window_->grid().isMaximised()) << "the next one is seen alone";
+  openStudy();
+  click("2 x 3");
+  window_->closeFrontViewer();
+  settle();
+  EXPECT_EQ(window_->grid().size(), (GridSize{2, 3})) << "a chosen one stays";
+}
+
 TEST_F(Viewers, AClickWithALookingToolSelectsAnAnnotationAndDragsItWhole) {
   openStudy();
   const int viewer = sagittalViewer();
