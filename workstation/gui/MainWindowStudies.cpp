@@ -15,6 +15,14 @@ namespace {
 /// A folder may hold thousands of files of another kind.
 constexpr std::size_t mostFilesNamed = 20;
 
+/// The same wherever the program is started next.
+fs::path absolutePath(const fs::path& path) {
+  std::error_code error;
+  const fs::path whole = fs::absolute(path, error).lexically_normal();
+  if (error || whole.empty()) return path;
+  return whole.has_filename() ? whole : whole.parent_path();
+}
+
 std::vector<const ImageRecord*> withoutGeometry(const Series& series) {
   std::vector<const ImageRecord*> found;
   for (const Stack& stack : series.stacks) {
@@ -83,14 +91,14 @@ void MainWindow::openFolders(std::vector<fs::path> folders) {
 
 void MainWindow::openNextFolder() {
   if (foldersToOpen_.empty()) return;
-  const fs::path folder = foldersToOpen_.front();
+  const fs::path given = foldersToOpen_.front();
   foldersToOpen_.erase(foldersToOpen_.begin());
   std::error_code error;
-  if (!fs::exists(folder, error) && !desk_.folders().placeOf(folder.string()).empty()) {
-    openStudy(folder.string());
+  if (!fs::exists(given, error) && !desk_.folders().placeOf(given.string()).empty()) {
+    openStudy(given.string());
     return openNextFolder();
   }
-  settings_.setValue("folders/last", QString::fromStdString(folder.string()));
+  const fs::path folder = absolutePath(given);
   if (desk_.folders().holds(folder)) {
     showOpened(folder);
     return openNextFolder();
@@ -120,6 +128,9 @@ void MainWindow::showOpened(const fs::path& folder) {
   if (studies.empty()) {
     desk_.tell(folder.string() + " holds no DICOM image that can be shown.");
   } else {
+    std::error_code error;
+    const fs::path last = fs::is_directory(folder, error) ? folder : folder.parent_path();
+    settings_.setValue("folders/last", QString::fromStdString(last.string()));
     openStudy(studies.front());
   }
   scheduleRefresh(true);
@@ -302,6 +313,13 @@ void MainWindow::closeFrontViewer() {
   onFrontViewer([&](int viewer) { return desk_.workstation().closeViewer(viewer); });
   bannersStale_ = true;
   paletteStale_ = true;
+  grid_->setSize(gridToShow(), grid_->isMaximised());
+  // Else whatever comes next would get the keyboard, and keys meant for a viewer would be typed into the search.
+  if (auto* pane = grid_->frontPane()) {
+    pane->canvas().setFocus();
+  } else {
+    browser_->tree().setFocus();
+  }
   scheduleRefresh(true);
 }
 
@@ -313,13 +331,6 @@ void MainWindow::deleteSelected() {
       if (annotation.roi->ROImode() != pelmar::ROIModeFinished && annotation.roi->selectable())
         return workstation.deleteAnnotation(viewer, annotation.id);
     }
-  grid_->setSize(gridToShow(), grid_->isMaximised());
-  // Else whatever comes next would get the keyboard, and keys meant for a viewer would be typed into the search.
-  if (auto* pane = grid_->frontPane()) {
-    pane->canvas().setFocus();
-  } else {
-    browser_->tree().setFocus();
-  }
     return Outcome::refused("No annotation is selected: click on one first.");
   });
   scheduleRefresh(true);

@@ -310,6 +310,32 @@ TEST_F(Viewers, AGridThatIsChosenIsKeptForOtherStudiesAndBetweenRuns) {
   EXPECT_EQ(window_->grid().size(), asNeeded) << "there is no such grid";
 }
 
+TEST_F(Viewers, OnlyAFolderThatWasShownIsRememberedAndByItsWholePath) {
+  const auto last = [&] { return settings_->value("folders/last").toString().toStdString(); };
+  openStudy();
+  ASSERT_EQ(last(), study().string());
+  window_->openFolder(folder_ / "nothing");
+  waitForTask();
+  EXPECT_EQ(last(), study().string());
+  restart();
+  const auto before = std::filesystem::current_path();
+  settings_->remove("folders/last");
+  std::filesystem::current_path(folder_ / ".");
+  window_->openFolder("./study/");
+  waitForTask();
+  std::filesystem::current_path(before);
+  EXPECT_EQ(last(), std::filesystem::canonical(study()).string());
+  settings_->remove("folders/last");
+  restart();
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(study())) {
+    if (entry.path().extension() != ".dcm") continue;
+    window_->openFolder(entry.path());
+    waitForTask();
+    EXPECT_EQ(last(), entry.path().parent_path().string()) << "of a file, the folder that it lies in";
+    break;
+  }
+}
+
 TEST_F(Viewers, TheLastFolderIsWhereTheNextOneIsLookedFor) {
   prompts_.folder = QString::fromStdString(study().string());
   click("&Import folder into the database ...");
