@@ -12,7 +12,7 @@
 #include <map>
 #include <set>
 
-#include "workstation/gui/SharedPoint.h"
+#include "workstation/gui/StackTitle.h"
 #include "workstation/model/EventLoop.h"
 #include "workstation/session/StoredDrawing.h"
 
@@ -63,7 +63,7 @@ void MainWindow::makeWidgets() {
     tellIfRefused(desk_.workstation().bringToFront(viewer));
     repaintAll_ = true;  // the reference lines are those of another slice
   };
-  canvasHooks_.marked = [this](int, const MarkedPoint& point) { markPoint(point); };
+  canvasHooks_.marked = [this](int viewer, const MarkedPoint& point) { markPoint(viewer, point); };
   canvasHooks_.menuRequested = [this](int, QPoint at) {
     // Not while the canvas, which the menu may close, handles its event.
     QTimer::singleShot(0, this, [this, at] { showViewerMenu(at); });
@@ -262,15 +262,22 @@ void MainWindow::dropEvent(QDropEvent* event) {
   if (!paths.empty()) importPaths(paths);
 }
 
-void MainWindow::markPoint(const MarkedPoint& point) {
-  Workstation& workstation = desk_.workstation();
+void MainWindow::markPoint(int viewer, const MarkedPoint& point) {
+  QStringList without;
   for (ViewerPane* pane : grid_->panes()) {
-    pane->canvas().look().marked = point;
-    const auto info = workstation.viewer(pane->viewer());
-    const Stack* stack = info ? workstation.stack(info->stack) : nullptr;
-    const auto slice = stack ? nearestSlice(stack->slices, point) : std::nullopt;
-    if (slice && static_cast<int>(*slice) != info->slice && !workstation.isDrawing(pane->viewer()))
-      tellIfRefused(workstation.scroll(pane->viewer(), static_cast<int>(*slice)));
+    // In the viewer that was clicked in the point is where the pointer is.
+    if (pane->viewer() == viewer) {
+      pane->canvas().look().marked = point;
+    } else if (!pane->canvas().showPoint(point)) {
+      const auto info = desk_.workstation().viewer(pane->viewer());
+      if (info) without << QString::fromStdString(stackTitle(desk_.workstation(), info->stack));
+    }
+  }
+  without.removeDuplicates();
+  statusBar()->clearMessage();
+  if (!without.isEmpty()) {
+    statusBar()->showMessage(
+        "The point lies on no slice of " + without.join(" and ") + ": it is shown in the other viewers only.", 8000);
   }
   scheduleRefresh(true);
 }

@@ -61,7 +61,8 @@ class MainWindow final : public QMainWindow {
   /// Shows a stack in the front viewer, or in a new one.
   void openStack(const StackId& id, bool inNewViewer);
   void chooseMenu(const std::string& title);
-  void markPoint(const MarkedPoint& point);
+  /// Shows a point that was marked in a viewer in all the others; tells which have no slice there.
+  void markPoint(int viewer, const MarkedPoint& point);
   void closeFrontViewer();
   void deleteSelected();
   /// Asks for a text and writes it there.

@@ -1,5 +1,6 @@
 #include "workstation/gui/SharedPoint.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -8,8 +9,30 @@
 namespace workstation {
 namespace {
 
+/// Slices that lie closer are thin: a point is shown on several.
+constexpr double leastReachMm = 2.5;
+constexpr double roundingMm = 0.01;
+constexpr double leastCosine = 0.9998;  ///< within a degree
+
 bool isComparable(const ImageRecord& image, const MarkedPoint& point) {
   return image.geometry && !point.frameOfReferenceUid.empty() && image.frameOfReferenceUid == point.frameOfReferenceUid;
+}
+
+Vector3 normalOf(const ImageGeometry& geometry) { return normalized(cross(geometry.row, geometry.column)); }
+
+/// Half the way to the next slice of the same block: those of other blocks are tilted against it, and between blocks
+/// lies what no slice shows.
+double reachMm(const std::vector<ImageRecord>& slices, const ImageRecord& slice) {
+  double nearest = 2 * leastReachMm;
+  bool isKnown = false;
+  for (const ImageRecord& other : slices) {
+    if (!other.geometry || dot(normalOf(*other.geometry), normalOf(*slice.geometry)) < leastCosine) continue;
+    const double distance = distanceMm(slice, {slice.frameOfReferenceUid, other.geometry->position});
+    if (distance < roundingMm || (isKnown && distance >= nearest)) continue;
+    nearest = distance;
+    isKnown = true;
+  }
+  return std::max(leastReachMm, nearest / 2) + roundingMm;
 }
 
 }  // namespace
@@ -31,11 +54,15 @@ std::optional<pelmar::PixelPoint> pixelOf(const ImageRecord& image, const Marked
 
 double distanceMm(const ImageRecord& image, const MarkedPoint& point) {
   if (!isComparable(image, point)) return std::numeric_limits<double>::infinity();
-  const Vector3 normal = normalized(cross(image.geometry->row, image.geometry->column));
-  return std::abs(dot(point.positionMm - image.geometry->position, normal));
+  return std::abs(dot(point.positionMm - image.geometry->position, normalOf(*image.geometry)));
 }
 
-std::optional<std::size_t> nearestSlice(const std::vector<ImageRecord>& slices, const MarkedPoint& point) {
+bool isOnSlice(const std::vector<ImageRecord>& slices, std::size_t slice, const MarkedPoint& point) {
+  return slice < slices.size() && isComparable(slices[slice], point) &&
+         distanceMm(slices[slice], point) <= reachMm(slices, slices[slice]);
+}
+
+std::optional<std::size_t> sliceAt(const std::vector<ImageRecord>& slices, const MarkedPoint& point) {
   std::optional<std::size_t> nearest;
   double least = std::numeric_limits<double>::infinity();
   for (std::size_t index = 0; index < slices.size(); ++index) {
@@ -49,7 +76,7 @@ std::optional<std::size_t> nearestSlice(const std::vector<ImageRecord>& slices, 
     least = distance;
     nearest = index;
   }
-  return nearest;
+  return nearest && isOnSlice(slices, *nearest, point) ? nearest : std::nullopt;
 }
 
 }  // namespace workstation

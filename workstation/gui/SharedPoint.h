@@ -12,9 +12,12 @@ namespace workstation {
 /// The point of the patient at a pixel; nothing without geometry or frame of reference.
 std::optional<MarkedPoint> markedPointAt(const ImageRecord& image, pelmar::PixelPoint pixel);
 
-/// The slice nearest to the point, of those in its frame of reference on whose plane it falls within the image;
-/// nothing when there is none.
-std::optional<std::size_t> nearestSlice(const std::vector<ImageRecord>& slices, const MarkedPoint& point);
+/// Of the slices of a stack that the point lies on, within the image, the nearest; nothing when there is none.
+std::optional<std::size_t> sliceAt(const std::vector<ImageRecord>& slices, const MarkedPoint& point);
+
+/// Whether the point lies on that slice of the stack: no farther from its plane than halfway to the next slice, or
+/// 2.5 mm where slices are closer.
+bool isOnSlice(const std::vector<ImageRecord>& slices, std::size_t slice, const MarkedPoint& point);
 
 /// Where the point falls on the slice; nothing in another frame of reference.
 std::optional<pelmar::PixelPoint> pixelOf(const ImageRecord& image, const MarkedPoint& point);

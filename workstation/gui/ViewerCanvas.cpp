@@ -16,8 +16,8 @@ namespace {
 
 /// One notch of a usual wheel, eighths of a degree.
 constexpr double wheelNotch = 120;
-/// A marked point is shown on slices this near to it, mm.
-constexpr double markReachMm = 2.5;
+/// A point that is brought into view lies at least so far from the edge, points: the cross is seen whole.
+constexpr double crossRoom = 16;
 
 std::optional<PointerButton> buttonOf(Qt::MouseButton button) {
   switch (button) {
@@ -120,8 +120,7 @@ void ViewerCanvas::paintEvent(QPaintEvent*) {
   // The model learns of a new size a moment later than the widget.
   if (picture->transform.viewWidth != width() || picture->transform.viewHeight != height())
     workstation::resize(*picture, width(), height());
-  if (look_.marked && distanceMm(picture->image, *look_.marked) <= markReachMm)
-    picture->crosses.push_back(*pixelOf(picture->image, *look_.marked));
+  if (const auto cross = markedPixel()) picture->crosses.push_back(*cross);
   std::string problem;
   painter_.paint(painter, *picture, desk_.pixels().pixels(picture->image, problem), problem);
   desk_.workstation().markDisplayed(viewer_);
@@ -204,6 +203,33 @@ void ViewerCanvas::mark(QPointF at) {
   if (!record) return;
   const auto point = markedPointAt(*record, desk_.workstation().pixelAt(viewer_, viewPoint(at)));
   if (point && hooks_.marked) hooks_.marked(viewer_, *point);
+}
+
+std::optional<pelmar::PixelPoint> ViewerCanvas::markedPixel() const {
+  const auto info = desk_.workstation().viewer(viewer_);
+  const Stack* stack = info && look_.marked ? desk_.workstation().stack(info->stack) : nullptr;
+  const auto slice = info ? static_cast<std::size_t>(info->slice) : 0;
+  if (!stack || !isOnSlice(stack->slices, slice, *look_.marked)) return std::nullopt;
+  return pixelOf(stack->slices[slice], *look_.marked);
+}
+
+bool ViewerCanvas::showPoint(const MarkedPoint& point) {
+  look_.marked = point;
+  update();
+  Workstation& workstation = desk_.workstation();
+  const auto info = workstation.viewer(viewer_);
+  const Stack* stack = info ? workstation.stack(info->stack) : nullptr;
+  const auto slice = stack ? sliceAt(stack->slices, point) : std::nullopt;
+  // What is being drawn stays where the hand is.
+  if (!slice || workstation.isDrawing(viewer_)) return slice.has_value();
+  if (static_cast<int>(*slice) != info->slice) (void)workstation.scroll(viewer_, static_cast<int>(*slice));
+  const auto pixel = markedPixel();
+  if (!pixel) return false;
+  const pelmar::ViewPoint at = workstation.viewPointAt(viewer_, *pixel);
+  const bool isSeen = at.x >= crossRoom && at.y >= crossRoom && at.x <= info->viewFrame.width - crossRoom &&
+                      at.y <= info->viewFrame.height - crossRoom;
+  if (!isSeen) (void)workstation.pan(viewer_, info->viewFrame.width / 2 - at.x, info->viewFrame.height / 2 - at.y);
+  return true;
 }
 
 void ViewerCanvas::updateCursor(QPointF at) {

@@ -3,6 +3,7 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -49,6 +50,11 @@ class ViewerCanvas final : public QWidget {
   std::optional<WindowSetting> shownWindow();
   /// The pixels of the slice that is shown; null when they cannot be read.
   std::shared_ptr<const PixelData> shownPixels();
+  /// Marks the point, scrolls to its slice and brings it into view. False, with nothing moved, when the stack has no
+  /// slice there. What is being drawn is not moved.
+  bool showPoint(const MarkedPoint& point);
+  /// Where the marked point lies on the slice that is shown; nothing when it lies on another.
+  std::optional<pelmar::PixelPoint> markedPixel() const;
 
  protected:
   void paintEvent(QPaintEvent* event) override;

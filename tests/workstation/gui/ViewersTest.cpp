@@ -1,5 +1,8 @@
 // Looking at images in the window.
+#include <QStatusBar>
+
 #include "WindowFixture.h"
+#include "workstation/gui/StackTitle.h"
 
 namespace workstation::test {
 namespace {
@@ -13,6 +16,27 @@ class Viewers : public WindowTest {
     settle();
   }
   ViewerInfo info(int viewer) { return *workstation().viewer(viewer); }
+  void markIn(int viewer, pelmar::PixelPoint pixel) {
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
+      mouse(viewer, type, at(viewer, pixel), Qt::LeftButton, Qt::ShiftModifier);
+    settle();
+  }
+  /// Whether a red cross is painted whole about the pixel: its four arms reach from 4 to 14 points.
+  bool hasCross(int viewer, pelmar::PixelPoint pixel) {
+    const QImage image = canvas(viewer).grab().toImage();
+    const QPointF middle = at(viewer, pixel);
+    const auto isRed = [&](QPointF arm) {
+      // The two points of the line's width, or three of which the outer ones are half covered.
+      for (const QPointF beside : {QPointF(0, 0), QPointF(-1, -1)}) {
+        const QPoint place = (middle + arm + beside).toPoint();
+        if (!image.rect().contains(place)) continue;
+        const QColor colour = image.pixelColor(place);
+        if (colour.red() > 200 && colour.blue() < 120) return true;
+      }
+      return false;
+    };
+    return isRed({9, 0}) && isRed({-9, 0}) && isRed({0, 9}) && isRed({0, -9});
+  }
 };
 
 TEST_F(Viewers, AStudyOpensWithASagittalAndTheAxialSeriesFittedAndInTheMiddle) {
@@ -141,9 +165,8 @@ TEST_F(Viewers, ShiftAndClickShowTheSamePointOfThePatientEverywhere) {
   openStudy();
   const int sagittal = sagittalViewer();
   const int axial = axialViewer();
-  mouse(sagittal, QEvent::MouseButtonPress, at(sagittal, {80, 40}), Qt::LeftButton, Qt::ShiftModifier);
-  mouse(sagittal, QEvent::MouseButtonRelease, at(sagittal, {80, 40}), Qt::LeftButton, Qt::ShiftModifier);
-  settle();
+  markIn(sagittal, {80, 40});
+  EXPECT_TRUE(hasCross(axial, *canvas(axial).markedPixel()));
   const auto& marked = canvas(axial).look().marked;
   ASSERT_TRUE(marked);
   // By hand: the pixel's place in the patient, from the geometry of the sagittal slice.
@@ -161,6 +184,46 @@ TEST_F(Viewers, ShiftAndClickShowTheSamePointOfThePatientEverywhere) {
   };
   for (int slice = 0; slice < info(axial).slices; ++slice)
     EXPECT_GE(heightAt(slice), heightAt(info(axial).slice) - 1e-9);
+}
+
+TEST_F(Viewers, TheMarkedPointIsBroughtIntoViewWhereAnImageIsEnlarged) {
+  openStudy();
+  const int sagittal = sagittalViewer();
+  const int axial = axialViewer();
+  markIn(sagittal, {80, 60});
+  const pelmar::PixelPoint inMiddle = *canvas(axial).markedPixel();
+  ASSERT_TRUE(workstation().zoom(axial, 8 * info(axial).scale));
+  ASSERT_TRUE(workstation().pan(axial, 900, -700));
+  const auto place = at(axial, inMiddle);
+  ASSERT_FALSE(QRectF(canvas(axial).rect()).contains(place)) << "else the test shows nothing";
+  markIn(sagittal, {80, 60});
+  EXPECT_TRUE(hasCross(axial, inMiddle));
+  const auto panned = info(axial).origin;
+  const auto own = info(sagittal).origin;
+  markIn(sagittal, {80.5, 60});
+  EXPECT_EQ(info(axial).origin.x, panned.x) << "what is seen stays where it is";
+  EXPECT_EQ(info(axial).origin.y, panned.y);
+  EXPECT_EQ(info(sagittal).origin.x, own.x) << "and so does the image under the pointer";
+  EXPECT_EQ(info(sagittal).origin.y, own.y);
+}
+
+TEST_F(Viewers, WhereASeriesHasNoSliceAtThePointItStaysAndThatIsTold) {
+  openStudy();
+  const int sagittal = sagittalViewer();
+  const int axial = axialViewer();
+  const int shown = info(axial).slice;
+  const auto& geometry = *workstation().sliceRecord(sagittal, info(sagittal).slice)->geometry;
+  const MarkedPoint above{workstation().sliceRecord(axial, 0)->frameOfReferenceUid,
+                          {geometry.position[0], geometry.position[1] + 40, geometry.position[2] + 500}};
+  window_->markPoint(sagittal, above);
+  settle();
+  EXPECT_EQ(info(axial).slice, shown);
+  EXPECT_FALSE(canvas(axial).markedPixel());
+  const QString told = window_->statusBar()->currentMessage();
+  EXPECT_TRUE(told.startsWith("The point lies on no slice of ")) << told.toStdString();
+  EXPECT_TRUE(told.contains(QString::fromStdString(stackTitle(workstation(), info(axial).stack))));
+  markIn(sagittal, {80, 60});
+  EXPECT_FALSE(window_->statusBar()->currentMessage().contains("axial")) << "it is told no longer than it is true";
 }
 
 TEST_F(Viewers, AGridOfAsManyAsAreOpenFollowsAViewerThatCloses) {
