@@ -104,6 +104,12 @@ void ViewerCanvas::placeInModel() {
   }
 }
 
+void ViewerCanvas::refresh(bool repaint) {
+  if (repaint) update();
+  // What lies under the pointer may be another thing now.
+  updateCursor();
+}
+
 void ViewerCanvas::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   PictureOptions what;
@@ -171,9 +177,15 @@ void ViewerCanvas::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void ViewerCanvas::mouseMoveEvent(QMouseEvent* event) {
-  if (!gestures_.isActive()) return updateCursor(event->position());
+  pointer_ = event->position();
+  if (!gestures_.isActive()) return updateCursor();
   gestures_.move(viewPoint(event->position()));
   update();
+}
+
+void ViewerCanvas::leaveEvent(QEvent* event) {
+  pointer_.reset();
+  QWidget::leaveEvent(event);
 }
 
 void ViewerCanvas::mouseReleaseEvent(QMouseEvent* event) {
@@ -232,11 +244,12 @@ bool ViewerCanvas::showPoint(const MarkedPoint& point) {
   return true;
 }
 
-void ViewerCanvas::updateCursor(QPointF at) {
+void ViewerCanvas::updateCursor() {
+  if (!pointer_ || gestures_.isActive()) return;
   const auto info = desk_.workstation().viewer(viewer_);
   const bool draws = info && info->tool == MouseToolAnnotate;
   const bool writes = draws && info->roiTool == pelmar::ROITypeText;
-  const bool holds = desk_.workstation().wouldHold(viewer_, viewPoint(at));
+  const bool holds = desk_.workstation().wouldHold(viewer_, viewPoint(*pointer_));
   const Qt::CursorShape shape = holds    ? Qt::PointingHandCursor
                                 : writes ? Qt::IBeamCursor
                                 : draws  ? Qt::CrossCursor

@@ -43,18 +43,20 @@ class ViewerCanvas final : public QWidget {
   ViewerLook& look() { return look_; }
   void setBanners(std::vector<std::string> banners);
   const std::vector<std::string>& banners() const { return banners_; }
+  /// Brings it up to date with the model.
+  void refresh(bool repaint);
   /// Tells the model where on the screen the image is. The image keeps filling the view as it did; the first time it is
   /// fitted.
   void placeInModel();
   /// What the slice is shown with now; nothing for a colour image and one that cannot be read.
   std::optional<WindowSetting> shownWindow();
-  /// The pixels of the slice that is shown; null when they cannot be read.
-  std::shared_ptr<const PixelData> shownPixels();
   /// Marks the point, scrolls to its slice and brings it into view. False, with nothing moved, when the stack has no
   /// slice there. What is being drawn is not moved.
   bool showPoint(const MarkedPoint& point);
   /// Where the marked point lies on the slice that is shown; nothing when it lies on another.
   std::optional<pelmar::PixelPoint> markedPixel() const;
+  /// The pixels of the slice that is shown; null when they cannot be read.
+  std::shared_ptr<const PixelData> shownPixels();
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -68,6 +70,7 @@ class ViewerCanvas final : public QWidget {
   void wheelEvent(QWheelEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
+  void leaveEvent(QEvent* event) override;
 
  private:
   pelmar::ViewPoint viewPoint(QPointF at) const { return {at.x(), height() - at.y()}; }
@@ -75,7 +78,7 @@ class ViewerCanvas final : public QWidget {
   void mark(QPointF at);
   /// Whether a click there writes a text.
   bool writesTextAt(QPointF at);
-  void updateCursor(QPointF at);
+  void updateCursor();
   bool scrollKey(int key);
 
   Desk& desk_;
@@ -86,6 +89,7 @@ class ViewerCanvas final : public QWidget {
   std::vector<std::string> banners_;
   PointerGestures gestures_;
   ViewPainter painter_;
+  std::optional<QPointF> pointer_;  ///< where it was seen last; nothing once it has left
   bool fitted_ = false;
   double wheelRest_ = 0;  ///< eighths of a degree that did not make a whole slice yet
 };

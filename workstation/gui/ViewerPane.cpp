@@ -38,7 +38,7 @@ void ViewerPane::refresh(bool repaint) {
     front_ = info->front;
     setPalette(viewerFramePalette(front_));
   }
-  if (repaint || info->needsDisplay) canvas_->update();
+  canvas_->refresh(repaint || info->needsDisplay);
 }
 
 }  // namespace workstation

@@ -373,6 +373,29 @@ TEST_F(Viewers, AGridThatIsChosenIsKeptForOtherStudiesAndBetweenRuns) {
   EXPECT_EQ(window_->grid().size(), asNeeded) << "there is no such grid";
 }
 
+TEST_F(Viewers, ThePointersShapeFollowsWhatComesAndGoesUnderIt) {
+  openStudy();
+  const int viewer = sagittalViewer();
+  ASSERT_TRUE(workstation().selectMouseTool(viewer, MouseToolWindowLevel));
+  const auto shape = [&] { return canvas(viewer).cursor().shape(); };
+  mouse(viewer, QEvent::MouseMove, at(viewer, {110, 60}));
+  EXPECT_EQ(shape(), Qt::ArrowCursor);
+  ASSERT_TRUE(workstation().drawLine(viewer, info(viewer).slice, {110, 20}, {110, 100}));
+  ASSERT_TRUE(workstation().selectMouseTool(viewer, MouseToolWindowLevel));
+  settle();
+  EXPECT_EQ(shape(), Qt::PointingHandCursor);
+  click("&Undo");
+  EXPECT_EQ(shape(), Qt::ArrowCursor);
+  click("&Redo");
+  EXPECT_EQ(shape(), Qt::PointingHandCursor);
+  click("Mirror left to right");
+  EXPECT_EQ(shape(), Qt::ArrowCursor) << "column 110 of 160 is no longer under the pointer";
+  QEvent leaves(QEvent::Leave);
+  QApplication::sendEvent(&canvas(viewer), &leaves);
+  click("Mirror left to right");
+  EXPECT_EQ(shape(), Qt::ArrowCursor) << "the pointer is elsewhere";
+}
+
 TEST_F(Viewers, OnlyAFolderThatWasShownIsRememberedAndByItsWholePath) {
   const auto last = [&] { return settings_->value("folders/last").toString().toStdString(); };
   openStudy();
