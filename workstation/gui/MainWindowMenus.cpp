@@ -142,6 +142,10 @@ void MainWindow::makeViewMenu() {
     if (auto* pane = grid_->pane(viewer)) pane->canvas().look() = {};
     return model.fit(viewer);
   });
+  add("Reset win&dow and level", "Shift+W", [this](int viewer) {
+    showWith(viewer, {});
+    return Outcome::done();
+  });
   viewMenu_->addSeparator();
   windowMenu_ = viewMenu_->addMenu("&Window and level");
   connect(windowMenu_, &QMenu::aboutToShow, this, [this] { fillWindowMenu(windowMenu_); });

@@ -373,6 +373,18 @@ TEST_F(Viewers, AGridThatIsChosenIsKeptForOtherStudiesAndBetweenRuns) {
   EXPECT_EQ(window_->grid().size(), asNeeded) << "there is no such grid";
 }
 
+TEST_F(Viewers, TheWindowAloneCanBeResetToTheFiles) {
+  openStudy();
+  const int viewer = sagittalViewer();
+  const auto before = *canvas(viewer).shownWindow();
+  canvas(viewer).look().window = WindowSetting{10, 20, {}};
+  const double scale = info(viewer).scale;
+  ASSERT_TRUE(workstation().zoom(viewer, 2 * scale));
+  click("Reset win&dow and level");
+  EXPECT_EQ(canvas(viewer).shownWindow()->width, before.width);
+  EXPECT_EQ(info(viewer).scale, 2 * scale) << "nothing else is";
+}
+
 TEST_F(Viewers, ThePointersShapeFollowsWhatComesAndGoesUnderIt) {
   openStudy();
   const int viewer = sagittalViewer();
