@@ -61,11 +61,11 @@ BrowserPanel::BrowserPanel(Desk& desk, QWidget* parent) : QWidget(parent), desk_
   tree_->setFrameShape(QFrame::NoFrame);
   tree_->setContextMenuPolicy(Qt::CustomContextMenu);
   tree_->setExpandsOnDoubleClick(false);
-  layout->addWidget(tree_, 1);
   empty_ = new QLabel(this);
   empty_->setWordWrap(true);
   empty_->setForegroundRole(QPalette::PlaceholderText);
   layout->addWidget(empty_);
+  layout->addWidget(tree_, 1);
   makeProgress(*layout);
   setMinimumWidth(290);
   connect(search_, &QLineEdit::textChanged, this, [this] { refill(); });

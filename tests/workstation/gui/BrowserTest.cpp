@@ -1,8 +1,10 @@
 // Finding, opening and importing studies.
 #include "workstation/gui/BrowserPanel.h"
 
+#include <QLabel>
 #include <QMenu>
 #include <QTimer>
+#include <algorithm>
 #include <fstream>
 
 #include "WindowFixture.h"
@@ -121,6 +123,13 @@ TEST_F(Browser, TheSearchLeavesTheStudiesThatMatch) {
   EXPECT_EQ(window_->browser().tree().topLevelItemCount(), 1);
   window_->browser().search().setText("no such patient");
   EXPECT_EQ(window_->browser().tree().topLevelItemCount(), 0);
+  settle();
+  const auto labels = window_->browser().findChildren<QLabel*>();
+  const auto told = std::find_if(labels.begin(), labels.end(), [](const QLabel* label) {
+    return label->isVisible() && label->text() == "No study matches the search.";
+  });
+  ASSERT_NE(told, labels.end());
+  EXPECT_LT((*told)->geometry().bottom(), window_->browser().tree().geometry().top()) << "not below an empty list";
   window_->browser().search().clear();
   EXPECT_EQ(window_->browser().tree().topLevelItemCount(), 1);
 }
