@@ -6,7 +6,10 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <optional>
+#include <string>
 
+#include "LimitJudge.h"
 #include "workstation/archive/ArchiveBounds.h"
 #include "workstation/archive/KeyedArchive.h"
 #include "workstation/model/Points.h"
@@ -50,31 +53,14 @@ pelmar::Bytes largestXml() {
   return {xml.begin(), xml.end()};
 }
 
-/// Remembers whether something took longer than it may.
-class Judge final : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) {
-      if (run.benchmark_name() == largestName || run.GetAdjustedCPUTime() < mostMicroseconds) continue;
-      std::cerr << "FAILED: " << run.benchmark_name() << " takes more than 10 ms\n";
-      failed_ = true;
-    }
-  }
-  bool failed() const { return failed_; }
-
- private:
-  static constexpr double mostMicroseconds = 10'000;
-  bool failed_ = false;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
   addSamples(ARCHIVE_SAMPLES);
   add(largestName, largestXml());
   benchmark::Initialize(&argc, argv);
-  Judge judge;
+  bench::LimitJudge judge(
+      [](const std::string& name) { return name == largestName ? std::nullopt : std::optional(10.0); });
   benchmark::RunSpecifiedBenchmarks(&judge);
   return judge.failed() ? 1 : 0;
 }
