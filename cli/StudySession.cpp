@@ -60,7 +60,8 @@ std::string contentsOf(std::size_t bad, const LeftOut& left) {
 /// A folder of studies that no import has made serves as a database too, opened in place.
 workstation::Result<std::unique_ptr<workstation::StudyDatabase>> readDatabase(const std::string& folder,
                                                                               const SourceOptions& options) {
-  if (fs::is_directory(folder) && !workstation::StudyDatabase::isDatabase(folder)) {
+  std::error_code error;
+  if (fs::is_directory(folder, error) && !workstation::StudyDatabase::isDatabase(folder)) {
     auto inPlace = readStudies(folder, false, options);
     if (interrupted() || !inPlace || !(*inPlace)->studies().empty()) return inPlace;
   }
