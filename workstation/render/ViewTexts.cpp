@@ -143,6 +143,7 @@ class Layout {
 
   static std::vector<QString> linesOf(const std::vector<std::string>& lines) {
     std::vector<QString> made;
+    made.reserve(lines.size());
     for (const std::string& line : lines) made.push_back(QString::fromStdString(line));
     return made;
   }
