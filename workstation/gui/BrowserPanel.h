@@ -65,10 +65,10 @@ class BrowserPanel final : public QWidget {
   QLineEdit* search_;
   QTreeWidget* tree_;
   QLabel* empty_;
-  QWidget* progressRow_;
-  QLabel* progressText_;
-  QProgressBar* progress_;
-  QToolButton* cancel_;
+  QWidget* progressRow_ = nullptr;
+  QLabel* progressText_ = nullptr;
+  QProgressBar* progress_ = nullptr;
+  QToolButton* cancel_ = nullptr;
   std::set<std::string> labelled_;  ///< studies that are listed with a mark
   std::set<std::string> unfolded_;  ///< studies whose series are seen
   QTimer thumbnailTimer_;

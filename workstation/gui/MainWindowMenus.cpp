@@ -38,8 +38,8 @@ constexpr ToolChoice toolChoices[] = {
 };
 
 struct GridChoice {
-  const char* title;
-  const char* shortcut;
+  const char* title = "";
+  const char* shortcut = "";
   GridSize size;
 };
 
@@ -119,7 +119,7 @@ void MainWindow::makeEditMenu() {
 void MainWindow::makeViewMenu() {
   viewMenu_ = menuBar()->addMenu("&View");
   Workstation& workstation = desk_.workstation();
-  const auto add = [&](const QString& text, const char* shortcut, std::function<Outcome(int)> operation) {
+  const auto add = [&](const QString& text, const char* shortcut, const std::function<Outcome(int)>& operation) {
     viewerActions_.push_back(
         addAction(viewMenu_, text, QKeySequence(shortcut), [this, operation] { onFrontViewer(operation); }));
   };
