@@ -33,7 +33,8 @@ inline bool nothingMayBeSkipped() { return std::getenv("VERTANA_SKIP_NOTHING") !
 
 }  // namespace testsupport
 
-/// Ends the test when `lack` says that something is missing.
+/// Ends the test when `lack` says that something is missing: loudly, and as a failure wherever everything is meant to
+/// be there, as it is in CI.
 #define SKIP_FOR_LACK(lack)                                                                \
   if (const std::string missing = (lack); !missing.empty()) {                              \
     if (testsupport::nothingMayBeSkipped()) FAIL() << "VERTANA_SKIP_NOTHING: " << missing; \
