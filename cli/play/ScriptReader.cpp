@@ -179,18 +179,11 @@ Problem readStep(const ordered_json& json, Step& step) {
 
 // --- the whole -------------------------------------------------------------------------------------------------------
 
-/// Numbers with dots between them. What is no version would be taken for a very old host.
-bool isVersion(const std::string& text) {
-  const bool isPlain = !text.empty() && text.find_first_not_of("0123456789.") == std::string::npos;
-  return isPlain && text.front() != '.' && text.back() != '.' && text.find("..") == std::string::npos;
-}
-
 Problem readHost(const ordered_json& json, Script& script) {
   if (!json.is_object()) return "must be an object";
   for (const auto& [key, value] : json.items()) {
     if (key == "version") {
       if (const auto problem = read(value, script.hostVersion)) return "is wrong: \"version\" " + *problem;
-      if (!isVersion(script.hostVersion)) return "is wrong: \"version\" must be numbers with dots between, as 9.0";
     } else if (key == "lacks") {
       if (!value.is_array()) return "is wrong: \"lacks\" must be a list of names";
       for (const auto& name : value) {
